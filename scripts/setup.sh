@@ -1,0 +1,33 @@
+#!/usr/bin/env bash
+# Installs the Debian packages the build, the tests and the demo need.
+# Idempotent: installs only what is missing, runs `apt-get update` at most once,
+# works as root without a terminal (or through sudo when not root).
+set -euo pipefail
+
+packages=(
+  cmake ninja-build g++ pkg-config git
+  libpugixml-dev libpcre2-dev libsodium-dev libcurl4-openssl-dev libcli11-dev
+  libgtest-dev libgmock-dev libbenchmark-dev
+  mono-xbuild mono-mcs mono-devel
+)
+
+missing=()
+for p in "${packages[@]}"; do
+  if ! dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed"; then
+    missing+=("$p")
+  fi
+done
+
+if [ ${#missing[@]} -eq 0 ]; then
+  exit 0
+fi
+
+sudo=""
+if [ "$(id -u)" -ne 0 ]; then sudo="sudo"; fi
+
+echo "setup: installing ${missing[*]}"
+export DEBIAN_FRONTEND=noninteractive
+if ! $sudo apt-get install -y -q --no-install-recommends "${missing[@]}" </dev/null; then
+  $sudo apt-get update -q </dev/null
+  $sudo apt-get install -y -q --no-install-recommends "${missing[@]}" </dev/null
+fi

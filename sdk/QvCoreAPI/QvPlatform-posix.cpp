@@ -1,0 +1,162 @@
+#include <dlfcn.h>
+#include <fcntl.h>
+#include <limits.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <vector>
+
+#include "QvExceptions.h"
+#include "QvPlatform.h"
+
+namespace qv::platform {
+
+std::string ExecutablePath() {
+  std::vector<char> buf(PATH_MAX);
+  for (;;) {
+    ssize_t n = readlink("/proc/self/exe", buf.data(), buf.size());
+    if (n < 0) return {};
+    if (static_cast<size_t>(n) < buf.size()) return std::string(buf.data(), static_cast<size_t>(n));
+    buf.resize(buf.size() * 2);
+  }
+}
+
+std::string HostName() {
+  char buf[256] = {};
+  if (gethostname(buf, sizeof buf - 1) != 0) return {};
+  return buf;
+}
+
+std::string TempFolder() {
+  const char* t = std::getenv("TMPDIR");
+  std::string dir = (t && *t) ? t : "/tmp";
+  while (dir.size() > 1 && dir.back() == '/')
+    dir.pop_back();
+  return dir;
+}
+
+std::string CurrentDirectory() {
+  std::vector<char> buf(PATH_MAX);
+  while (!getcwd(buf.data(), buf.size())) {
+    if (errno != ERANGE) return "/";
+    buf.resize(buf.size() * 2);
+  }
+  return buf.data();
+}
+
+bool FileExists(const std::string& path) {
+  struct stat st;
+  return !path.empty() && stat(path.c_str(), &st) == 0 && S_ISREG(st.st_mode);
+}
+
+bool DirectoryExists(const std::string& path) {
+  struct stat st;
+  return !path.empty() && stat(path.c_str(), &st) == 0 && S_ISDIR(st.st_mode);
+}
+
+bool IsAbsolutePath(std::string_view path) {
+  return !path.empty() && path[0] == '/';
+}
+
+bool ReadWholeFile(const std::string& path, std::string& out, std::string& error) {
+  int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+  if (fd < 0) {
+    error = std::strerror(errno);
+    return false;
+  }
+  struct stat st;
+  if (fstat(fd, &st) == 0 && S_ISDIR(st.st_mode)) {
+    close(fd);
+    error = std::strerror(EISDIR);
+    return false;
+  }
+  std::string data;
+  if (st.st_size > 0) data.reserve(static_cast<size_t>(st.st_size));
+  char buf[65536];
+  for (;;) {
+    ssize_t n = read(fd, buf, sizeof buf);
+    if (n < 0) {
+      if (errno == EINTR) continue;
+      error = std::strerror(errno);
+      close(fd);
+      return false;
+    }
+    if (n == 0) break;
+    data.append(buf, static_cast<size_t>(n));
+  }
+  close(fd);
+  out.swap(data);
+  return true;
+}
+
+namespace {
+[[noreturn]] void WriteFailed(const std::string& path, int err) {
+  throw Exception("Unable to write file \"" + path + "\" : " + std::strerror(err));
+}
+
+bool WriteAll(int fd, std::string_view data) {
+  while (!data.empty()) {
+    ssize_t n = write(fd, data.data(), data.size());
+    if (n < 0) {
+      if (errno == EINTR) continue;
+      return false;
+    }
+    data.remove_prefix(static_cast<size_t>(n));
+  }
+  return true;
+}
+}  // namespace
+
+void AtomicWriteFile(const std::string& path, std::string_view data) {
+  std::string dir = ".";
+  std::string name = path;
+  if (size_t slash = path.rfind('/'); slash != std::string::npos) {
+    dir = slash == 0 ? "/" : path.substr(0, slash);
+    name = path.substr(slash + 1);
+  }
+  std::string tmp = (dir == "/" ? "" : dir) + "/." + name + ".qvtmp.XXXXXX";
+  std::vector<char> tmpl(tmp.begin(), tmp.end());
+  tmpl.push_back('\0');
+  int fd = mkstemp(tmpl.data());
+  if (fd < 0) WriteFailed(path, errno);
+  tmp.assign(tmpl.data());
+
+  struct stat st;
+  mode_t mode = 0666 & ~[] {
+    mode_t m = umask(0);
+    umask(m);
+    return m;
+  }();
+  if (stat(path.c_str(), &st) == 0) mode = st.st_mode & 07777;
+
+  int err = 0;
+  if (!WriteAll(fd, data) || fchmod(fd, mode) != 0 || fsync(fd) != 0) err = errno;
+  if (close(fd) != 0 && !err) err = errno;
+  if (!err && rename(tmp.c_str(), path.c_str()) != 0) err = errno;
+  if (err) {
+    unlink(tmp.c_str());
+    WriteFailed(path, err);
+  }
+}
+
+void* LoadModule(const std::string& path, std::string& error) {
+  void* h = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
+  if (!h) {
+    const char* e = dlerror();
+    error = e ? e : "unknown error";
+  }
+  return h;
+}
+
+void* ModuleSymbol(void* module, const char* name) {
+  return dlsym(module, name);
+}
+
+void UnloadModule(void* module) {
+  if (module) dlclose(module);
+}
+
+}  // namespace qv::platform

@@ -1,0 +1,45 @@
+// The operating-system services the SDK needs, one implementation file per platform
+// (QvPlatform-posix.cpp, QvPlatform-win32.cpp); nothing else in the SDK tests the platform.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace qv::platform {
+
+// The native folder separator.
+#ifdef _WIN32
+inline constexpr char PathDelim = '\\';
+#else
+inline constexpr char PathDelim = '/';
+#endif
+
+// Full path of the running executable.
+std::string ExecutablePath();
+// This computer's network name as the system reports it.
+std::string HostName();
+// The temporary folder, without a trailing separator.
+std::string TempFolder();
+// The process's current folder.
+std::string CurrentDirectory();
+// True when a regular file (or a link to one) exists at `path`.
+bool FileExists(const std::string& path);
+// True when a folder exists at `path`.
+bool DirectoryExists(const std::string& path);
+// True when `path` is absolute for this platform.
+bool IsAbsolutePath(std::string_view path);
+
+// Reads a whole file. Returns false and sets `error` (the system's reason) on failure.
+bool ReadWholeFile(const std::string& path, std::string& out, std::string& error);
+// Replaces `path` with `data` atomically: a temporary file beside it, then a rename.
+// Keeps the permissions of an existing file. Throws Exception naming the file on failure;
+// the original file is then untouched.
+void AtomicWriteFile(const std::string& path, std::string_view data);
+
+// Loads a shared module; returns null and sets `error` on failure.
+void* LoadModule(const std::string& path, std::string& error);
+// Looks up an exported symbol; null when absent.
+void* ModuleSymbol(void* module, const char* name);
+void UnloadModule(void* module);
+
+}  // namespace qv::platform

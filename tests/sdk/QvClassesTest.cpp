@@ -1,0 +1,249 @@
+#include "QvClasses.h"
+
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include <filesystem>
+
+#include "QvExceptions.h"
+#include "support/TempDir.h"
+
+using namespace qv;
+using qvtest::TempDir;
+
+namespace {
+
+std::string ErrorOf(const std::function<void()>& fn) {
+  try {
+    fn();
+  } catch (const Exception& e) {
+    return e.what();
+  }
+  return "(no exception)";
+}
+
+TEST(TStringList, BadIndexRaisesListIndexOutOfBounds) {
+  TStringList l{"a", "b"};
+  EXPECT_EQ(ErrorOf([&] { l.Get(2); }), "List index out of bounds (2)");
+  EXPECT_EQ(ErrorOf([&] { l.Get(-1); }), "List index out of bounds (-1)");
+  EXPECT_EQ(ErrorOf([&] { l.Delete(5); }), "List index out of bounds (5)");
+  EXPECT_EQ(ErrorOf([&] { l.Insert(3, "x"); }), "List index out of bounds (3)");
+  EXPECT_THROW(l.Get(7), EStringListError);
+  l.Insert(2, "c");  // inserting at Count appends
+  EXPECT_EQ(l.Text(), "a\r\nb\r\nc\r\n");
+}
+
+TEST(TStringList, TextJoinsWithCrLfAndSplitsOnAnyBreak) {
+  TStringList l;
+  l.SetText("one\r\ntwo\nthree\rfour");
+  EXPECT_EQ(l.Count(), 4);
+  EXPECT_EQ(l.Text(), "one\r\ntwo\r\nthree\r\nfour\r\n");
+  l.SetText("x\r\n");
+  EXPECT_EQ(l.Count(), 1);
+  l.SetText("\r\n\r\n");
+  EXPECT_EQ(l.Count(), 2);
+  EXPECT_EQ(l[1], "");
+  l.SetText("");
+  EXPECT_EQ(l.Count(), 0);
+  EXPECT_EQ(l.Text(), "");
+}
+
+TEST(TStringList, NameValueAccess) {
+  TStringList l{"Debug|Win32=Release|Win32", "plain line", "Key=a=b"};
+  EXPECT_EQ(l.Names(0), "Debug|Win32");
+  EXPECT_EQ(l.Names(1), "");
+  EXPECT_EQ(l.ValueFromIndex(2), "a=b");
+  EXPECT_EQ(l.Values("key"), "a=b");  // names compare without regard to case
+  EXPECT_EQ(l.IndexOfName("DEBUG|WIN32"), 0);
+  EXPECT_EQ(l.Values("missing"), "");
+  l.SetValue("Key", "c");
+  EXPECT_EQ(l[2], "Key=c");
+  l.SetValue("New", "1");
+  EXPECT_EQ(l[3], "New=1");
+  l.SetValue("Key", "");  // an empty value deletes the line
+  EXPECT_EQ(l.IndexOfName("Key"), -1);
+  EXPECT_EQ(l.Count(), 3);
+}
+
+TEST(TStringList, IndexOfIgnoresCaseUnlessCaseSensitive) {
+  TStringList l{"{ABC}", "Other"};
+  EXPECT_EQ(l.IndexOf("{abc}"), 0);
+  l.CaseSensitive = true;
+  EXPECT_EQ(l.IndexOf("{abc}"), -1);
+  EXPECT_EQ(l.IndexOf("{ABC}"), 0);
+}
+
+TEST(TStringList, SetDelimitedTextParsesLikeTheHost) {
+  struct Case {
+    std::string text;
+    std::vector<std::string> items;
+  } cases[] = {
+      {"List A,List B", {"List", "A", "List", "B"}},
+      {"\"List A\",\"List B\"", {"List A", "List B"}},
+      {"a,,b", {"a", "", "b"}},
+      {"a,", {"a", ""}},
+      {"  a  ,\tb  ", {"a", "b"}},
+      {"\"say \"\"hi\"\"\"", {"say \"hi\""}},
+      {"\"unterminated, x", {"unterminated, x"}},
+      {"\"a\"b", {"a", "b"}},
+      {"", {}},
+      {"one\r\ntwo", {"one", "two"}},
+  };
+  for (const auto& c : cases) {
+    TStringList l;
+    l.SetCommaText(c.text);
+    EXPECT_EQ(l.Strings(), c.items) << c.text;
+  }
+}
+
+TEST(TStringList, DelimitedTextQuotesWhereNeeded) {
+  TStringList l{"plain", "with blank", "semi;colon", "q\"uote", ""};
+  EXPECT_EQ(l.CommaText(), "plain,\"with blank\",semi;colon,\"q\"\"uote\",");
+  l.Delimiter = ';';
+  l.QuoteChar = '\'';
+  EXPECT_EQ(l.DelimitedText(), "plain;'with blank';'semi;colon';q\"uote;");
+  TStringList single{""};
+  EXPECT_EQ(single.CommaText(), "\"\"");
+  // What is written reads back the same.
+  TStringList back;
+  back.SetCommaText(TStringList{"a b", "c,d", "e\"f"}.CommaText());
+  EXPECT_EQ(back.Strings(), (std::vector<std::string>{"a b", "c,d", "e\"f"}));
+}
+
+TEST(TStringList, SortIgnoresCaseAndKeepsEqualItemsInOrder) {
+  TStringList l{"beta", "Alpha", "alpha", "Gamma", "ALPHA"};
+  l.Sort();
+  EXPECT_EQ(l.Strings(), (std::vector<std::string>{"Alpha", "alpha", "ALPHA", "beta", "Gamma"}));
+}
+
+// ---- files ----
+
+struct RoundTrip {
+  const char* name;
+  std::string bytes;
+};
+
+void PrintTo(const RoundTrip& r, std::ostream* os) {
+  *os << r.name;
+}
+
+class FileRoundTrip : public ::testing::TestWithParam<RoundTrip> {};
+
+TEST_P(FileRoundTrip, SavesBackByteForByte) {
+  TempDir dir;
+  std::string path = dir.Write("f.txt", GetParam().bytes);
+  TStringList l;
+  l.LoadFromFile(path);
+  l.SaveToFile(path);
+  EXPECT_EQ(TempDir::Read(path), GetParam().bytes);
+}
+
+const std::string kUtf16LE(
+    "\xFF\xFE"
+    "a\0b\0\r\0\n\0\xE9\0\x3D\xD8\x00\xDE\r\0\n\0",
+    20);
+const std::string kUtf16BE(
+    "\xFE\xFF"
+    "\0a\0\n\0b",
+    8);
+const std::string kUtf16Lone(
+    "\xFF\xFE"
+    "x\0\x00\xD8y\0",
+    8);
+
+INSTANTIATE_TEST_SUITE_P(
+    Formats, FileRoundTrip,
+    ::testing::Values(RoundTrip{"CrLf", "one\r\ntwo\r\n"}, RoundTrip{"Lf", "one\ntwo\n"},
+                      RoundTrip{"Cr", "one\rtwo\r"}, RoundTrip{"Mixed", "a\r\nb\nc\rd\r\n\n"},
+                      RoundTrip{"NoFinalNewline", "a\r\nb"}, RoundTrip{"Empty", ""},
+                      RoundTrip{"OnlyBreak", "\r\n"},
+                      RoundTrip{"Utf8Bom", "\xEF\xBB\xBFMicrosoft\r\n# Visual\r\n"},
+                      RoundTrip{"EightBit", "caf\xE9\r\n\x80\xFF\r\n"},
+                      RoundTrip{"Utf16LE", kUtf16LE}, RoundTrip{"Utf16BE", kUtf16BE},
+                      RoundTrip{"Utf16LoneSurrogate", kUtf16Lone}),
+    [](const auto& info) { return std::string(info.param.name); });
+
+TEST(TStringListFile, DecodesUtf16IntoUtf8Lines) {
+  TempDir dir;
+  TStringList l;
+  l.LoadFromFile(dir.Write("u.txt", kUtf16LE));
+  ASSERT_EQ(l.Count(), 2);
+  EXPECT_EQ(l[0], "ab");
+  EXPECT_EQ(l[1], "\xC3\xA9\xF0\x9F\x98\x80");  // é and U+1F600
+  EXPECT_EQ(l.Format().Encoding, TTextEncoding::UTF16LE);
+}
+
+TEST(TStringListFile, EditedLinesKeepTheirBreaksAndNewLinesTakeTheFilesStyle) {
+  TempDir dir;
+  std::string path = dir.Write("m.rc", "a\r\nb\nc\r\nd\r\ne");
+  TStringList l;
+  l.LoadFromFile(path);
+  l.Put(1, "B");       // keeps its LF
+  l.Insert(3, "new");  // dominant break: CR LF
+  l.Add("last");       // the file had no final newline and still has none
+  l.SaveToFile(path);
+  EXPECT_EQ(TempDir::Read(path), "a\r\nB\nc\r\nnew\r\nd\r\ne\r\nlast");
+}
+
+TEST(TStringListFile, NewListSavesCrLfWithFinalNewline) {
+  TempDir dir;
+  TStringList l{"x", "y"};
+  l.SaveToFile(dir.File("n.txt"));
+  EXPECT_EQ(TempDir::Read(dir.File("n.txt")), "x\r\ny\r\n");
+}
+
+TEST(TStringListFile, MissingFileNamesTheFile) {
+  TempDir dir;
+  TStringList l;
+  EXPECT_EQ(ErrorOf([&] { l.LoadFromFile(dir.File("nope.sln")); }),
+            "Cannot open file \"" + dir.File("nope.sln") + "\". No such file or directory");
+}
+
+TEST(TStringListFile, FailedSaveLeavesTheOriginalUntouched) {
+  TempDir dir;
+  std::string path = dir.Write("keep.txt", "original\r\n");
+  TStringList l;
+  for (int i = 0; i < 1000; ++i)
+    l.Add("a line long enough to exceed the small file size limit");
+
+  // A file-size limit makes the write fail part way, for root as well as for other users.
+  signal(SIGXFSZ, SIG_IGN);
+  rlimit old;
+  getrlimit(RLIMIT_FSIZE, &old);
+  rlimit small = old;
+  small.rlim_cur = 4096;
+  setrlimit(RLIMIT_FSIZE, &small);
+  std::string error = ErrorOf([&] { l.SaveToFile(path); });
+  setrlimit(RLIMIT_FSIZE, &old);
+
+  EXPECT_EQ(error, "Unable to write file \"" + path + "\" : File too large");
+  EXPECT_EQ(TempDir::Read(path), "original\r\n");
+  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir.Path()), {}), 1)
+      << "no temporary file is left behind";
+}
+
+TEST(TStringListFile, SaveIntoReadOnlyFolderFailsWithoutTouchingTheOriginal) {
+  if (geteuid() == 0) GTEST_SKIP() << "root writes into read-only folders";
+  TempDir dir;
+  std::string path = dir.Write("ro/keep.txt", "original\n");
+  std::filesystem::permissions(
+      dir.File("ro"), std::filesystem::perms::owner_read | std::filesystem::perms::owner_exec);
+  TStringList l{"changed"};
+  EXPECT_THROW(l.SaveToFile(path), Exception);
+  EXPECT_EQ(TempDir::Read(path), "original\n");
+}
+
+TEST(TStringListFile, SaveKeepsTheFilesPermissions) {
+  TempDir dir;
+  std::string path = dir.Write("script.sh", "#!/bin/sh\n");
+  std::filesystem::permissions(path, std::filesystem::perms::owner_all);
+  TStringList l;
+  l.LoadFromFile(path);
+  l.Add("echo hi");
+  l.SaveToFile(path);
+  EXPECT_EQ(std::filesystem::status(path).permissions(), std::filesystem::perms::owner_all);
+}
+
+}  // namespace

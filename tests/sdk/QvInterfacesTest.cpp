@@ -1,0 +1,125 @@
+#include "QvInterfaces.h"
+
+#include <gtest/gtest.h>
+
+#include "QvExceptions.h"
+
+using namespace qv;
+
+namespace {
+
+TEST(TGUID, ParsesAndFormatsTheBracedForm) {
+  TGUID g = TGUID::Parse("{2f39a06c-b1bb-4982-8b17-16bd323c3104}");
+  EXPECT_EQ(g.ToString(), "{2F39A06C-B1BB-4982-8B17-16BD323C3104}");
+  EXPECT_EQ(g, MakeGUID("{2F39A06C-B1BB-4982-8B17-16BD323C3104}"));
+  EXPECT_EQ(g.D1, 0x2F39A06Cu);
+  EXPECT_EQ(g.D4[0], 0x8B);
+  EXPECT_EQ(g.D4[7], 0x04);
+}
+
+TEST(TGUID, RejectsMalformedText) {
+  for (const char* bad :
+       {"", "2F39A06C-B1BB-4982-8B17-16BD323C3104", "{2F39A06C-B1BB-4982-8B17-16BD323C310}",
+        "{2F39A06C-B1BB-4982-8B17-16BD323C310G}", "{2F39A06CB-1BB-4982-8B17-16BD323C3104}"}) {
+    TGUID g;
+    EXPECT_FALSE(TGUID::TryParse(bad, g)) << bad;
+  }
+  try {
+    TGUID::Parse("{nope}");
+    FAIL();
+  } catch (const Exception& e) {
+    EXPECT_STREQ(e.what(), "'{nope}' is not a valid GUID value");
+  }
+}
+
+struct IAlpha : virtual IInterface {
+  QV_INTERFACE_ID("{11111111-0000-0000-0000-000000000001}");
+  virtual int Alpha() = 0;
+};
+struct IBeta : virtual IInterface {
+  QV_INTERFACE_ID("{11111111-0000-0000-0000-000000000002}");
+  virtual int Beta() = 0;
+};
+struct IGamma : virtual IInterface {
+  QV_INTERFACE_ID("{11111111-0000-0000-0000-000000000003}");
+};
+// An interface declared with the same identifier as IBeta: a query for it yields IBeta.
+struct IBetaAlias : virtual IInterface {
+  QV_INTERFACE_ID("{11111111-0000-0000-0000-000000000002}");
+};
+
+class TBoth : public TInterfacedObject, public IAlpha, public IBeta {
+ public:
+  explicit TBoth(bool* destroyed) : FDestroyed(destroyed) {}
+  ~TBoth() override { *FDestroyed = true; }
+  int Alpha() override { return 1; }
+  int Beta() override { return 2; }
+
+ protected:
+  void* GetInterface(const TGUID& iid) override {
+    if (void* p = QueryInterfaceList<IAlpha, IBeta>(this, iid)) return p;
+    return TInterfacedObject::GetInterface(iid);
+  }
+
+ private:
+  bool* FDestroyed;
+};
+
+TEST(IInterface, OneCountAcrossInterfacesAndFreedOnLastRelease) {
+  bool destroyed = false;
+  {
+    IntfPtr<IAlpha> a = MakeIntf<IAlpha, TBoth>(&destroyed);
+    EXPECT_EQ(a->Alpha(), 1);
+    IntfPtr<IBeta> b = Supports<IBeta>(a);
+    ASSERT_TRUE(b);
+    EXPECT_EQ(b->Beta(), 2);
+    EXPECT_EQ(dynamic_cast<TBoth*>(a.Get())->RefCount(), 2);
+    IntfPtr<IInterface> root = Supports<IInterface>(b);
+    EXPECT_TRUE(root);
+    a.Reset();
+    b.Reset();
+    EXPECT_FALSE(destroyed);
+  }
+  EXPECT_TRUE(destroyed);
+}
+
+TEST(IInterface, QueryForUnknownInterfaceYieldsNull) {
+  bool destroyed = false;
+  IntfPtr<IAlpha> a = MakeIntf<IAlpha, TBoth>(&destroyed);
+  EXPECT_FALSE(Supports<IGamma>(a));
+  EXPECT_FALSE(Supports<IAlpha>(static_cast<IInterface*>(nullptr)));
+  void* p = reinterpret_cast<void*>(1);
+  EXPECT_EQ(a->QueryInterface(IGamma::IID, &p), HResult::E_NOINTERFACE);
+  EXPECT_EQ(p, nullptr);
+}
+
+TEST(IInterface, SharedIdentifierAnswersWithTheImplementedInterface) {
+  bool destroyed = false;
+  IntfPtr<IAlpha> a = MakeIntf<IAlpha, TBoth>(&destroyed);
+  void* p = nullptr;
+  ASSERT_EQ(a->QueryInterface(IBetaAlias::IID, &p), HResult::S_OK);
+  // What comes back is the object's IBeta, carrying a reference of its own.
+  auto beta = IntfPtr<IBeta>::Attach(static_cast<IBeta*>(p));
+  EXPECT_EQ(beta->Beta(), 2);
+  EXPECT_EQ(dynamic_cast<TBoth*>(a.Get())->RefCount(), 2);
+}
+
+TEST(IntfPtr, CopiesAndMovesKeepTheCountRight) {
+  bool destroyed = false;
+  IntfPtr<IAlpha> a = MakeIntf<IAlpha, TBoth>(&destroyed);
+  auto* obj = dynamic_cast<TBoth*>(a.Get());
+  IntfPtr<IAlpha> b = a;
+  EXPECT_EQ(obj->RefCount(), 2);
+  IntfPtr<IAlpha> c = std::move(b);
+  EXPECT_FALSE(b);
+  EXPECT_EQ(obj->RefCount(), 2);
+  c = a;  // self-family assignment
+  EXPECT_EQ(obj->RefCount(), 2);
+  IntfPtr<IInterface> up = a;  // converts to a base interface
+  EXPECT_EQ(obj->RefCount(), 3);
+  c = nullptr;
+  up.Reset();
+  EXPECT_EQ(obj->RefCount(), 1);
+}
+
+}  // namespace

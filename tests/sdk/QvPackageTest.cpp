@@ -1,0 +1,53 @@
+#include "QvPackage.h"
+
+#include <gtest/gtest.h>
+
+#include "QvExceptions.h"
+#include "QvPlatform.h"
+#include "support/RecordingServices.h"
+
+using namespace qv;
+
+namespace {
+
+std::string ErrorOf(const std::function<void()>& fn) {
+  try {
+    fn();
+  } catch (const Exception& e) {
+    return e.what();
+  }
+  return "(no exception)";
+}
+
+TEST(TQvPackageModule, CallsTheEntryPointsInOrder) {
+  qvtest::RecordingServices services;
+  auto m = TQvPackageModule::Load(QV_TEST_PACKAGE);
+  std::string error;
+  void* handle = platform::LoadModule(QV_TEST_PACKAGE, error);
+  auto trace =
+      reinterpret_cast<const char* (*)()>(platform::ModuleSymbol(handle, "TestPackageTrace"));
+  ASSERT_TRUE(trace);
+
+  EXPECT_STREQ(m->InfoTable()->PackageName, "TestPackage");
+  EXPECT_EQ(m->InfoTable()->UnitCount, 2);
+  m->Initialize();
+  m->Register(true);
+  m->Finalize();
+  m->Finalize();  // only once
+  EXPECT_STREQ(trace(), "initA;initB;register(true);finitB;finitA;");
+  EXPECT_EQ(services.Calls, std::vector<std::string>{"constant TestConst=7"});
+  platform::UnloadModule(handle);
+}
+
+TEST(TQvPackageModule, ReportsAMissingFileOrEntryPointClearly) {
+  std::string missing = "/nonexistent/QvNothing.so";
+  EXPECT_EQ(ErrorOf([&] {
+              TQvPackageModule::Load(missing);
+            }).rfind("Cannot load package /nonexistent/QvNothing.so : ", 0),
+            0u);
+  // A shared library that is not a package lacks the entry points.
+  EXPECT_EQ(ErrorOf([] { TQvPackageModule::Load(QV_NOT_A_PACKAGE); }),
+            std::string("Package ") + QV_NOT_A_PACKAGE + " does not export Initialize");
+}
+
+}  // namespace

@@ -1,0 +1,137 @@
+#include "QvProperties.h"
+
+#include <gtest/gtest.h>
+
+#include "QvExceptions.h"
+
+using namespace qv;
+
+namespace {
+
+enum class TColour : uint8_t { clRed, clGreen, clBlue };
+constexpr std::string_view kColourNames[] = {"clRed", "clGreen", "clBlue"};
+const TEnumTypeInfo TColourInfo{"TColour", kColourNames};
+
+class TBase : public TQvPersistent {
+ public:
+  static const TPropertyTable PropertyTable;
+  const TPropertyTable& GetPropertyTable() const override { return PropertyTable; }
+  std::string Name = "n";
+  int64_t Count = 4;
+};
+
+class TDerived : public TBase {
+ public:
+  static const TPropertyTable PropertyTable;
+  const TPropertyTable& GetPropertyTable() const override { return PropertyTable; }
+
+  bool Flag = false;
+  TColour Colour = TColour::clGreen;
+  TStringList Lines;
+  std::string GetUpper() const { return "UP:" + Name; }
+  const std::string& GetGuarded() const { return FGuarded; }
+  void SetGuarded(const std::string& v) {
+    FGuarded = v;
+    ++GuardedSets;
+  }
+  int GuardedSets = 0;
+
+ private:
+  std::string FGuarded;
+};
+
+const TPropDescriptor kBaseProps[] = {
+    StrProp<TBase, &TBase::Name>("Name", "n"),
+    IntProp<TBase, &TBase::Count>("Count", "4"),
+};
+const TPropertyTable TBase::PropertyTable{"TBase", nullptr, kBaseProps};
+
+const TPropDescriptor kDerivedProps[] = {
+    BoolProp<TDerived, &TDerived::Flag>("Flag"),
+    EnumProp<TDerived, &TDerived::Colour>("Colour", TColourInfo, "clGreen"),
+    ListProp<TDerived, &TDerived::Lines>("Lines"),
+    StrProp<TDerived, &TDerived::GetUpper, nullptr>("Upper", nullptr, false),
+    StrProp<TDerived, &TDerived::GetGuarded, &TDerived::SetGuarded>("Guarded"),
+};
+const TPropertyTable TDerived::PropertyTable{"TDerived", &TBase::PropertyTable, kDerivedProps};
+
+std::string ErrorOf(const std::function<void()>& fn) {
+  try {
+    fn();
+  } catch (const Exception& e) {
+    return e.what();
+  }
+  return "(no exception)";
+}
+
+TEST(Properties, ListsParentPropertiesFirstInDeclarationOrder) {
+  std::vector<std::string> names;
+  for (const auto* d : TDerived::PropertyTable.All())
+    names.emplace_back(d->Name);
+  EXPECT_EQ(names, (std::vector<std::string>{"Name", "Count", "Flag", "Colour", "Lines", "Upper",
+                                             "Guarded"}));
+  EXPECT_FALSE(TDerived::PropertyTable.Find("upper")->Stored);
+  EXPECT_TRUE(TDerived::PropertyTable.Find("Upper")->ReadOnly());
+}
+
+TEST(Properties, TextRoundTripForEveryType) {
+  TDerived o;
+  struct Case {
+    const char* name;
+    const char* in;
+    const char* out;
+  } cases[] = {
+      {"Name", "Solution.sln", "Solution.sln"},
+      {"count", "-12", "-12"},
+      {"Flag", "true", "True"},
+      {"Flag", "FALSE", "False"},
+      {"Flag", "1", "True"},
+      {"Colour", "clblue", "clBlue"},
+      {"Colour", "0", "clRed"},
+      {"Lines", "a\nb\r\nc", "a\r\nb\r\nc\r\n"},
+      {"Guarded", "x", "x"},
+  };
+  for (const auto& c : cases) {
+    o.SetPropValue(c.name, c.in);
+    EXPECT_EQ(o.GetPropValue(c.name), c.out) << c.name << "=" << c.in;
+  }
+  EXPECT_EQ(o.Colour, TColour::clRed);
+  EXPECT_EQ(o.Lines.Count(), 3);
+  EXPECT_EQ(o.GuardedSets, 1);  // setters run, fields are not bypassed
+  EXPECT_EQ(o.GetPropValue("Upper"), "UP:Solution.sln");
+}
+
+TEST(Properties, BadValuesAndNamesAreReportedClearly) {
+  TDerived o;
+  EXPECT_EQ(ErrorOf([&] { o.SetPropValue("Colour", "clPurple"); }),
+            "Invalid value 'clPurple' for property \"Colour\"");
+  EXPECT_EQ(ErrorOf([&] { o.SetPropValue("Colour", "3"); }),
+            "Invalid value '3' for property \"Colour\"");
+  EXPECT_EQ(ErrorOf([&] { o.SetPropValue("Flag", "yes"); }),
+            "Invalid value 'yes' for property \"Flag\"");
+  EXPECT_EQ(ErrorOf([&] { o.SetPropValue("Count", "4x"); }),
+            "Invalid value '4x' for property \"Count\"");
+  EXPECT_EQ(ErrorOf([&] { o.SetPropValue("Upper", "x"); }),
+            "Property \"Upper\" of TDerived is read-only");
+  EXPECT_EQ(ErrorOf([&] { o.GetPropValue("Nope"); }), "Unknown property \"Nope\" of TDerived");
+  EXPECT_THROW(o.SetPropValue("Flag", "maybe"), EConvertError);
+  EXPECT_EQ(o.Colour, TColour::clGreen) << "a rejected value changes nothing";
+}
+
+TEST(Properties, DefaultsInTheTableMatchANewObject) {
+  TDerived o;
+  for (const auto* d : TDerived::PropertyTable.All()) {
+    if (d->Default && d->Type != TPropType::StringList) {
+      EXPECT_EQ(TQvPersistent::GetPropText(o, *d), d->Default) << d->Name;
+    }
+  }
+}
+
+TEST(EnumTypeInfo, ValueOfAcceptsNamesAndOrdinals) {
+  EXPECT_EQ(TColourInfo.ValueOf("clGreen"), 1);
+  EXPECT_EQ(TColourInfo.ValueOf(" 2 "), 2);
+  EXPECT_EQ(TColourInfo.ValueOf("-1"), -1);
+  EXPECT_EQ(TColourInfo.NameOf(7), "7");
+}
+
+}  // namespace

@@ -1,0 +1,41 @@
+// A minimal package module for the loader tests: it records the calls the host makes.
+#include <string>
+
+#include "QvPackage.h"
+#include "QvServices.h"
+
+namespace {
+std::string gTrace;
+void InitA() {
+  gTrace += "initA;";
+}
+void InitB() {
+  gTrace += "initB;";
+}
+void FinitA() {
+  gTrace += "finitA;";
+}
+void FinitB() {
+  gTrace += "finitB;";
+}
+const qv::TPackageUnitInfo kUnits[] = {{"UnitA", InitA, FinitA}, {"UnitB", InitB, FinitB}};
+const char* const kRequires[] = {"QvCoreAPI"};
+const qv::TPackageInfoTable kTable{"TestPackage", 2, kUnits, 1, kRequires};
+}  // namespace
+
+QV_PACKAGE_EXPORT void Initialize() {
+  qv::InitializePackageUnits(kTable);
+}
+QV_PACKAGE_EXPORT void Finalize() {
+  qv::FinalizePackageUnits(kTable);
+}
+QV_PACKAGE_EXPORT const qv::TPackageInfoTable* GetPackageInfoTable() {
+  return &kTable;
+}
+QV_PACKAGE_EXPORT void QvRegister(bool designTime) {
+  gTrace += designTime ? "register(true);" : "register(false);";
+  if (qv::QvScriptingServices) qv::QvScriptingServices->RegisterConstant("TestConst", 7);
+}
+QV_PACKAGE_EXPORT const char* TestPackageTrace() {
+  return gTrace.c_str();
+}

@@ -1,0 +1,29 @@
+// A scoped temporary folder per test, removed with everything in it at the end.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace qvtest {
+
+class TempDir {
+ public:
+  TempDir();
+  ~TempDir();
+  TempDir(const TempDir&) = delete;
+  TempDir& operator=(const TempDir&) = delete;
+
+  // The folder, without a trailing separator.
+  const std::string& Path() const { return FPath; }
+  // Path of `name` inside the folder ("/"-separated names create no folders).
+  std::string File(std::string_view name) const;
+  // Writes `bytes` to `name` (creating parent folders) and returns its path.
+  std::string Write(std::string_view name, std::string_view bytes) const;
+  // Reads a whole file; throws std::runtime_error when it cannot.
+  static std::string Read(const std::string& path);
+
+ private:
+  std::string FPath;
+};
+
+}  // namespace qvtest
