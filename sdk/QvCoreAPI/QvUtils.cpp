@@ -190,6 +190,52 @@ std::string GetComputerNetName() {
 }
 
 namespace {
+// Length of the valid UTF-8 sequence at s[i], or 0.
+size_t Utf8Length(std::string_view s, size_t i) {
+  auto c = static_cast<unsigned char>(s[i]);
+  size_t len = c >= 0xF0 && c <= 0xF4 ? 4 : c >= 0xE0 ? 3 : c >= 0xC2 && c < 0xE0 ? 2 : 0;
+  if (len == 0 || i + len > s.size()) return 0;
+  for (size_t k = 1; k < len; ++k)
+    if ((static_cast<unsigned char>(s[i + k]) & 0xC0) != 0x80) return 0;
+  return len;
+}
+}  // namespace
+
+std::string JsonString(std::string_view s) {
+  static const char* hex = "0123456789abcdef";
+  std::string r = "\"";
+  r.reserve(s.size() + 2);
+  for (size_t i = 0; i < s.size(); ++i) {
+    auto c = static_cast<unsigned char>(s[i]);
+    if (c == '"' || c == '\\') {
+      r += '\\';
+      r += static_cast<char>(c);
+    } else if (c == '\n') {
+      r += "\\n";
+    } else if (c == '\r') {
+      r += "\\r";
+    } else if (c == '\t') {
+      r += "\\t";
+    } else if (c < 0x20 || c == 0x7F) {
+      r += "\\u00";
+      r += hex[c >> 4];
+      r += hex[c & 15];
+    } else if (c < 0x80) {
+      r += static_cast<char>(c);
+    } else if (size_t len = Utf8Length(s, i)) {
+      r.append(s.substr(i, len));
+      i += len - 1;
+    } else {
+      r += "\\u00";
+      r += hex[c >> 4];
+      r += hex[c & 15];
+    }
+  }
+  r += '"';
+  return r;
+}
+
+namespace {
 bool IsNameChar(char c) {
   return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '_' ||
          c == '.' || c == '-';

@@ -64,6 +64,10 @@ std::string GetTempFolder();
 // point, at most 15 characters, upper case.
 std::string GetComputerNetName();
 
+// `s` as a JSON string literal, quotes included. Bytes that are not UTF-8 are taken as
+// Latin-1 characters, so any 8-bit text yields valid JSON.
+std::string JsonString(std::string_view s);
+
 // Looks a variable up by name; nullopt when there is none.
 using TVariableLookup = std::function<std::optional<std::string>(std::string_view name)>;
 // Replaces %NAME% by the variable's value; "%%" is one percent sign; a "%" that does not

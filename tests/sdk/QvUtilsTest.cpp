@@ -103,6 +103,12 @@ TEST(Utils, ExpandVariables) {
   }
 }
 
+TEST(Utils, JsonStringEscapesAndKeepsEightBitTextValid) {
+  EXPECT_EQ(JsonString("a\"b\\c\r\n\t\x01"), "\"a\\\"b\\\\c\\r\\n\\t\\u0001\"");
+  EXPECT_EQ(JsonString("caf\xC3\xA9"), "\"caf\xC3\xA9\"");
+  EXPECT_EQ(JsonString("caf\xE9"), "\"caf\\u00e9\"");
+}
+
 TEST(Utils, HostFoldersAndNames) {
   EXPECT_TRUE(IsPathDelimiter(GetQvAppPath().back()));
   EXPECT_FALSE(IsPathDelimiter(GetTempFolder().back()));

@@ -1,0 +1,436 @@
+#include "Vsnetsln.h"
+
+#include <pugixml.hpp>
+
+#include <unordered_map>
+
+#include "QvExceptions.h"
+#include "QvPlatform.h"
+#include "QvSysUtils.h"
+#include "QvUtils.h"
+#include "VsnetslnOrder.h"
+
+namespace qv {
+
+namespace {
+constexpr std::string_view kVersionNames[] = {"vs2002", "vs2003", "vs2005", "vs2008", "vsUnknown"};
+}  // namespace
+
+const TEnumTypeInfo TVSDotNetVersionInfo{"TVSDotNetVersion", kVersionNames};
+
+void* TVSDotNetObject::GetInterface(const TGUID& iid) {
+  if (void* p = QueryInterfaceList<IVSDotNetObject>(this, iid)) return p;
+  return TInterfacedObject::GetInterface(iid);
+}
+
+namespace {
+
+// Each model class answers its one interface and defers to the common base.
+#define QV_ANSWERS(Intf)                                         \
+ protected:                                                      \
+  void* GetInterface(const TGUID& iid) override {                \
+    if (void* p = QueryInterfaceList<Intf>(this, iid)) return p; \
+    return TVSDotNetObject::GetInterface(iid);                   \
+  }
+
+class TVSDotNetSolutionConfiguration : public TVSDotNetObject,
+                                       public IVSDotNetSolutionConfiguration {
+ public:
+  explicit TVSDotNetSolutionConfiguration(std::string name) : FName(std::move(name)) {}
+  std::string GetName() override { return FName; }
+
+  QV_ANSWERS(IVSDotNetSolutionConfiguration)
+ private:
+  std::string FName;
+};
+
+class TVSDotNetSolutionConfigurations : public TVSDotNetObject,
+                                        public IVSDotNetSolutionConfigurations {
+ public:
+  IntfPtr<IVSDotNetSolutionConfiguration> GetItem(int index) override {
+    if (index < 0 || index >= GetCount()) return nullptr;
+    return FItems[static_cast<size_t>(index)];
+  }
+  int GetCount() override { return static_cast<int>(FItems.size()); }
+  void Add(const std::string& name) {
+    FItems.push_back(
+        MakeIntf<IVSDotNetSolutionConfiguration, TVSDotNetSolutionConfiguration>(name));
+  }
+
+  QV_ANSWERS(IVSDotNetSolutionConfigurations)
+ private:
+  std::vector<IntfPtr<IVSDotNetSolutionConfiguration>> FItems;
+};
+
+class TVSDotNetProjectDependancies : public TVSDotNetObject, public IVSDotNetProjectDependancies {
+ public:
+  std::string GetItem(int index) override {
+    return index >= 0 && index < FList.Count() ? FList[index] : std::string();
+  }
+  int GetCount() override { return FList.Count(); }
+  TStringList* GetList() override { return &FList; }
+  void Add(const std::string& guid) override { FList.Add(guid); }
+  bool Contains(const std::string& guid) override { return FList.IndexOf(guid) >= 0; }
+
+  QV_ANSWERS(IVSDotNetProjectDependancies)
+ private:
+  TStringList FList;  // compares without regard to case
+};
+
+class TVSDotNetProject : public TVSDotNetObject, public IVSDotNetProject {
+ public:
+  TVSDotNetProject(std::string name, std::string fileName, std::string typeGuid, std::string guid,
+                   std::string solutionFileName)
+      : FName(std::move(name)),
+        FFileName(std::move(fileName)),
+        FProjectTypeGUID(std::move(typeGuid)),
+        FProjectGUID(std::move(guid)),
+        FDependencies(MakeIntf<IVSDotNetProjectDependancies, TVSDotNetProjectDependancies>()),
+        FSolutionFileName(std::move(solutionFileName)) {}
+
+  std::string GetName() override { return FName; }
+  std::string GetFileName() override { return FFileName; }
+  std::string GetProjectGUID() override { return FProjectGUID; }
+  std::string GetProjectTypeGUID() override { return FProjectTypeGUID; }
+  IntfPtr<IVSDotNetProjectDependancies> GetDependencies() override { return FDependencies; }
+  bool IsVCProject() override { return LowerCase(ExtractFileExt(FFileName)) == ".vcproj"; }
+  TStringList* GetResourceFiles() override { return &FResourceFiles; }
+  std::string GetVersionInfoFile() override { return FVersionInfoFile; }
+  const TStringList& GetConfigurationList() override { return FConfigurations; }
+
+  void AddConfiguration(const std::string& solutionConfiguration,
+                        const std::string& projectConfiguration, bool isActiveCfg) override {
+    int i = FConfigurations.IndexOfName(solutionConfiguration);
+    if (i < 0)
+      FConfigurations.AddObject(solutionConfiguration + "=" + projectConfiguration, isActiveCfg);
+    else if (isActiveCfg)
+      FConfigurations.PutObject(i, 1);
+  }
+
+  std::string GetProjectConfiguration(const std::string& solutionConfiguration) override {
+    int i = FConfigurations.IndexOfName(solutionConfiguration);
+    return i < 0 ? std::string() : FConfigurations.ValueFromIndex(i);
+  }
+
+  bool IsActiveConfiguration(const std::string& solutionConfiguration) override {
+    int i = FConfigurations.IndexOfName(solutionConfiguration);
+    return i >= 0 && FConfigurations.Objects(i) != 0;
+  }
+
+  // Reads the resource scripts of a Visual C++ project file and finds the version script.
+  void ReadProjectFile(const std::string& solutionDir);
+
+  QV_ANSWERS(IVSDotNetProject)
+ private:
+  void FindVersionInfoFile();
+
+  std::string FName, FFileName, FProjectTypeGUID, FProjectGUID;
+  IntfPtr<IVSDotNetProjectDependancies> FDependencies;
+  TStringList FResourceFiles;
+  std::string FSolutionFileName;
+  std::string FVersionInfoFile;
+  TStringList FConfigurations;  // solution configuration=project configuration, flag in Objects
+};
+
+class TVSDotNetProjects : public TVSDotNetObject, public IVSDotNetProjects {
+ public:
+  IntfPtr<IVSDotNetProject> GetItem(int index) override {
+    if (index < 0 || index >= GetCount()) return nullptr;
+    return FItems[static_cast<size_t>(index)];
+  }
+  int GetCount() override { return static_cast<int>(FItems.size()); }
+
+  IntfPtr<IVSDotNetProject> FindByGUID(const std::string& guid) override {
+    auto it = FByGUID.find(guid);
+    if (it == FByGUID.end()) return nullptr;
+    if (it->second.size() == 1) return it->second.front();
+    for (const auto& p : FItems)  // several share it: the first in current order wins
+      if (p->GetProjectGUID() == guid) return p;
+    return nullptr;
+  }
+
+  IntfPtr<IVSDotNetProject> FindByFileName(const std::string& fileName) override {
+    for (const auto& p : FItems)
+      if (p->GetFileName() == fileName) return p;
+    return nullptr;
+  }
+
+  void SortByDependency() override;
+
+  void Add(IntfPtr<IVSDotNetProject> project) {
+    FByGUID[project->GetProjectGUID()].push_back(project.Get());
+    FItems.push_back(std::move(project));
+  }
+
+  QV_ANSWERS(IVSDotNetProjects)
+ private:
+  std::vector<IntfPtr<IVSDotNetProject>> FItems;
+  // The projects carrying each identifier, so that the reader's lookups (one per
+  // configuration line) do not scan the list.
+  std::unordered_map<std::string, std::vector<IVSDotNetProject*>> FByGUID;
+};
+
+class TVSDotNetSolution : public TVSDotNetObject, public IVSDotNetSolution {
+ public:
+  TVSDotNetSolution(std::string fileName, TVSDotNetVersion version)
+      : FProjects(new TVSDotNetProjects), FFileName(std::move(fileName)), FVersion(version) {}
+
+  IntfPtr<IVSDotNetSolutionConfigurations> GetConfigurations() override { return FConfigurations; }
+  IntfPtr<IVSDotNetProjects> GetProjects() override { return FProjects; }
+  std::string GetReservedText1() override { return FReserved1; }
+  std::string GetReservedText2() override { return FReserved2; }
+  std::string GetFileName() override { return FFileName; }
+  TVSDotNetVersion GetVersion() override { return FVersion; }
+
+  TVSDotNetProjects& Projects() { return *FProjects; }
+  void SetConfigurations(IntfPtr<IVSDotNetSolutionConfigurations> c) {
+    FConfigurations = std::move(c);
+  }
+
+  QV_ANSWERS(IVSDotNetSolution)
+ private:
+  std::string FReserved1, FReserved2;
+  IntfPtr<IVSDotNetSolutionConfigurations> FConfigurations;
+  IntfPtr<TVSDotNetProjects> FProjects;
+  std::string FFileName;
+  TVSDotNetVersion FVersion;
+};
+
+// ---- project files ------------------------------------------------------------------------
+
+int LineOfOffset(std::string_view text, ptrdiff_t offset) {
+  int line = 1;
+  for (ptrdiff_t i = 0; i < offset && i < static_cast<ptrdiff_t>(text.size()); ++i)
+    if (text[static_cast<size_t>(i)] == '\n') ++line;
+  return line;
+}
+
+void TVSDotNetProject::ReadProjectFile(const std::string& solutionDir) {
+  std::string path = ExpandRelativePath(FFileName, solutionDir);
+  if (!platform::FileExists(path)) return;
+  if (LowerCase(ExtractFileExt(path)) != ".vcproj") return;
+
+  std::string text, error;
+  if (!platform::ReadWholeFile(path, text, error))
+    throw Exception("Error parsing project file : " + error + " (" + path + ")");
+  pugi::xml_document doc;
+  pugi::xml_parse_result result = doc.load_buffer(text.data(), text.size());
+  if (!result)
+    throw Exception("Error parsing project file : " + std::string(result.description()) +
+                    " at offset " + std::to_string(result.offset) + " (line " +
+                    std::to_string(LineOfOffset(text, result.offset)) + " of " + path + ")");
+  if (std::string_view(doc.document_element().name()) != "VisualStudioProject") return;
+
+  std::string projectDir = ExtractFilePath(path);
+  // Only files inside a first-level filter count; nested filters are not looked into.
+  for (pugi::xpath_node filter : doc.select_nodes("VisualStudioProject/Files/Filter")) {
+    for (pugi::xml_node file : filter.node().children("File")) {
+      std::string rel = file.attribute("RelativePath").value();
+      if (SameText(ExtractFileExt(rel), ".rc"))
+        FResourceFiles.Add(ExpandRelativePath(rel, projectDir));
+    }
+  }
+  FindVersionInfoFile();
+}
+
+void TVSDotNetProject::FindVersionInfoFile() {
+  FVersionInfoFile.clear();
+  for (const std::string& script : FResourceFiles) {
+    TStringList lines;
+    try {
+      LoadUnicodeFile(script, lines);
+    } catch (const std::exception&) {
+      continue;  // an unreadable script cannot be the version script
+    }
+    for (const std::string& line : lines) {
+      if (line.find("VERSIONINFO") != std::string::npos) {
+        FVersionInfoFile = script;
+        return;
+      }
+    }
+  }
+}
+
+void TVSDotNetProjects::SortByDependency() {
+  std::unordered_map<std::string, std::vector<int>> byGuid;
+  for (int i = 0; i < GetCount(); ++i)
+    byGuid[LowerCase(FItems[i]->GetProjectGUID())].push_back(i);
+  std::vector<std::vector<int>> dependsOn(FItems.size());
+  for (int i = 0; i < GetCount(); ++i) {
+    for (const std::string& dep : *FItems[i]->GetDependencies()->GetList()) {
+      auto it = byGuid.find(LowerCase(dep));
+      if (it != byGuid.end())
+        dependsOn[i].insert(dependsOn[i].end(), it->second.begin(), it->second.end());
+    }
+  }
+  std::vector<int> order =
+      DependencyOrder(dependsOn, [this](int i) { return FItems[i]->GetName(); });
+  std::vector<IntfPtr<IVSDotNetProject>> sorted;
+  sorted.reserve(order.size());
+  for (int i : order)
+    sorted.push_back(FItems[i]);
+  FItems.swap(sorted);
+}
+
+// ---- the solution file ----------------------------------------------------------------------
+
+class TSolutionReader {
+ public:
+  TSolutionReader(const std::string& fileName, bool includeMissing)
+      : FFileName(fileName),
+        FSolutionDir(ExtractFilePath(fileName)),
+        FIncludeMissing(includeMissing) {}
+
+  IntfPtr<IVSDotNetSolution> Read();
+
+ private:
+  TVSDotNetVersion ReadHeader();
+  void ReadProjects();
+  void ReadProjectLine(const std::string& line);
+  void ReadProjectDependencies();
+  void ReadGlobal();
+  void ReadSolutionConfigurations();
+  void ReadConfigurationMappings();
+  void ReadGlobalDependencies();
+  // The line at FIndex, trimmed; past the end the line list's index error.
+  std::string TrimmedLine() const { return Trim(FLines[FIndex]); }
+
+  std::string FFileName, FSolutionDir;
+  bool FIncludeMissing;
+  TStringList FLines;
+  int FIndex = 0;
+  IntfPtr<TVSDotNetSolution> FSolution;
+  TVSDotNetProject* FCurrent = nullptr;
+};
+
+IntfPtr<IVSDotNetSolution> TSolutionReader::Read() {
+  LoadUnicodeFile(FFileName, FLines);
+  while (FLines.Count() > 0 && FLines[0].empty())
+    FLines.Delete(0);
+  FSolution = IntfPtr<TVSDotNetSolution>(new TVSDotNetSolution(FFileName, ReadHeader()));
+  FIndex = 1;
+  ReadProjects();
+  FSolution->Projects().SortByDependency();
+  if (FLines[FIndex] == "Global") ReadGlobal();
+  return IntfPtr<IVSDotNetSolution>(FSolution.Get());
+}
+
+TVSDotNetVersion TSolutionReader::ReadHeader() {
+  const std::string& header = FLines[0];
+  TRegExpr re("Microsoft Visual Studio Solution File, Format Version \\d+\\.", true);
+  if (!re.Exec(header)) throw Exception("Invalid Visual Studio Solution Header : " + header);
+  std::string number = re.Match(0).substr(53);
+  number.pop_back();  // the point
+  switch (StrToIntDef(number, 0)) {
+    case 7:
+      return TVSDotNetVersion::vs2002;
+    case 8:
+      return TVSDotNetVersion::vs2003;
+    case 9:
+      return TVSDotNetVersion::vs2005;
+    case 10:
+      return TVSDotNetVersion::vs2008;
+    default:
+      return TVSDotNetVersion::vsUnknown;
+  }
+}
+
+void TSolutionReader::ReadProjects() {
+  for (; FIndex < FLines.Count() && FLines[FIndex] != "Global"; ++FIndex) {
+    std::string line = TrimmedLine();
+    if (line.starts_with("Project(\""))
+      ReadProjectLine(line);
+    else if (line.starts_with("EndProject"))  // also ends at any "EndProjectSection"
+      FCurrent = nullptr;
+    else if (FCurrent && line.starts_with("ProjectSection(ProjectDependencies)"))
+      ReadProjectDependencies();
+  }
+}
+
+void TSolutionReader::ReadProjectLine(const std::string& line) {
+  std::string rest = line.substr(9);
+  std::string typeGuid = rest.substr(0, std::min<size_t>(38, rest.size()));
+  rest.erase(0, typeGuid.size());
+  size_t eq = rest.find('=');
+  if (eq == std::string::npos) throw Exception("Error parsing project string");
+  TStringList items;
+  items.SetCommaText(Trim(std::string_view(rest).substr(eq + 1)));
+  if (items.Count() < 3) throw Exception("Error parsing project string");
+  const std::string& path = items[1];
+
+  bool web = ContainsStr(path, "http://") || ContainsStr(path, "https://");
+  if (!web && !FIncludeMissing && !platform::FileExists(ExpandRelativePath(path, FSolutionDir)))
+    return;  // skipped: the current project stays what it was
+  auto* project = new TVSDotNetProject(items[0], path, typeGuid, items[2], FFileName);
+  IntfPtr<IVSDotNetProject> ref(project);
+  project->ReadProjectFile(FSolutionDir);
+  FSolution->Projects().Add(ref);
+  FCurrent = project;
+}
+
+void TSolutionReader::ReadProjectDependencies() {
+  for (++FIndex; FIndex < FLines.Count(); ++FIndex) {
+    std::string line = TrimmedLine();
+    if (line == "EndProjectSection") break;
+    if (size_t eq = line.find('='); eq != std::string::npos)
+      FCurrent->GetDependencies()->Add(Trim(std::string_view(line).substr(eq + 1)));
+  }
+}
+
+void TSolutionReader::ReadGlobal() {
+  ++FIndex;
+  for (std::string line = TrimmedLine(); line != "EndGlobal"; line = TrimmedLine()) {
+    if (line.starts_with("GlobalSection(SolutionConfiguration)") ||
+        line.starts_with("GlobalSection(SolutionConfigurationPlatforms)")) {
+      ++FIndex;
+      ReadSolutionConfigurations();
+    } else if (line.starts_with("GlobalSection(ProjectConfiguration)") ||
+               line.starts_with("GlobalSection(ProjectConfigurationPlatforms)")) {
+      ++FIndex;
+      ReadConfigurationMappings();
+    } else if (line.starts_with("GlobalSection(ProjectDependencies)")) {
+      ++FIndex;
+      ReadGlobalDependencies();
+    }
+    ++FIndex;
+  }
+}
+
+void TSolutionReader::ReadSolutionConfigurations() {
+  auto configs = IntfPtr<TVSDotNetSolutionConfigurations>(new TVSDotNetSolutionConfigurations);
+  for (; TrimmedLine() != "EndGlobalSection"; ++FIndex) {
+    std::string name = FLines.Names(FIndex);
+    if (Trim(name) == "Description") continue;
+    // The value comes from the first line of the whole file with this name part.
+    configs->Add(Trim(FLines.Values(name)));
+  }
+  FSolution->SetConfigurations(IntfPtr<IVSDotNetSolutionConfigurations>(configs.Get()));
+}
+
+void TSolutionReader::ReadConfigurationMappings() {
+  TRegExpr re("\\.(.+)\\.(ActiveCfg|Build\\.0) = (.+)");
+  for (; TrimmedLine() != "EndGlobalSection"; ++FIndex) {
+    std::string line = TrimmedLine();
+    IntfPtr<IVSDotNetProject> project = FSolution->Projects().FindByGUID(line.substr(0, 38));
+    if (!project || line.size() <= 38 || !re.Exec(std::string_view(line).substr(38))) continue;
+    project->AddConfiguration(re.Match(1), re.Match(3), re.Match(2) == "ActiveCfg");
+  }
+}
+
+void TSolutionReader::ReadGlobalDependencies() {
+  for (; TrimmedLine() != "EndGlobalSection"; ++FIndex) {
+    std::string line = TrimmedLine();
+    IntfPtr<IVSDotNetProject> project = FSolution->Projects().FindByGUID(line.substr(0, 38));
+    size_t eq = line.find('=');
+    if (project && eq != std::string::npos)
+      project->GetDependencies()->Add(Trim(std::string_view(line).substr(eq + 1)));
+  }
+}
+
+}  // namespace
+
+IntfPtr<IVSDotNetSolution> OpenSolution(const std::string& fileName, bool includeMissingProjects) {
+  return TSolutionReader(fileName, includeMissingProjects).Read();
+}
+
+}  // namespace qv

@@ -1,0 +1,396 @@
+#include "Vsnetsln.h"
+
+#include <gtest/gtest.h>
+
+#include "QvExceptions.h"
+#include "QvSysUtils.h"
+#include "support/TempDir.h"
+
+using namespace qv;
+using qvtest::TempDir;
+
+namespace {
+
+const char* kCs = "{FAE04EC0-301F-11D3-BF4B-00C04F79EFBC}";
+const char* kVc = "{8BC9CEB8-8B4A-11D0-8D11-00A0C983F5F7}";
+const std::string kA = "{AAAAAAAA-0000-0000-0000-000000000001}";
+const std::string kB = "{BBBBBBBB-0000-0000-0000-000000000002}";
+const std::string kC = "{CCCCCCCC-0000-0000-0000-000000000003}";
+
+std::string Crlf(std::string_view text) {
+  std::string r;
+  for (char c : text) {
+    if (c == '\n') r += '\r';
+    r += c;
+  }
+  return r;
+}
+
+std::string ProjectLine(const std::string& name, const std::string& path, const std::string& guid,
+                        const char* type = kCs) {
+  return std::string("Project(\"") + type + "\") = \"" + name + "\", \"" + path + "\", \"" + guid +
+         "\"\n";
+}
+
+std::string Header(int version = 10) {
+  return "Microsoft Visual Studio Solution File, Format Version " + std::to_string(version) +
+         ".00\n";
+}
+
+// A solution folder with project files A, B and C present on disk.
+struct SolutionDir {
+  TempDir dir;
+  SolutionDir() {
+    for (const char* p : {"A/A.csproj", "B/B.csproj", "C/C.csproj"})
+      dir.Write(p, "<Project/>");
+  }
+  IntfPtr<IVSDotNetSolution> Open(const std::string& body, bool includeMissing = false) {
+    return OpenSolution(dir.Write("S.sln", Crlf(body)), includeMissing);
+  }
+  std::string ErrorOf(const std::string& body) {
+    try {
+      Open(body);
+    } catch (const Exception& e) {
+      return e.what();
+    }
+    return "(opened)";
+  }
+};
+
+std::vector<std::string> Names(const IntfPtr<IVSDotNetSolution>& s) {
+  std::vector<std::string> names;
+  auto projects = s->GetProjects();
+  for (int i = 0; i < projects->GetCount(); ++i)
+    names.push_back(projects->GetItem(i)->GetName());
+  return names;
+}
+
+std::vector<std::string> ConfigNames(const IntfPtr<IVSDotNetSolution>& s) {
+  std::vector<std::string> names;
+  auto configs = s->GetConfigurations();
+  for (int i = 0; configs && i < configs->GetCount(); ++i)
+    names.push_back(configs->GetItem(i)->GetName());
+  return names;
+}
+
+const std::string kEmptyGlobal = "Global\nEndGlobal\n";
+
+TEST(OpenSolution, HeaderDecidesTheVersion) {
+  struct Case {
+    int number;
+    TVSDotNetVersion version;
+  } cases[] = {{7, TVSDotNetVersion::vs2002},     {8, TVSDotNetVersion::vs2003},
+               {9, TVSDotNetVersion::vs2005},     {10, TVSDotNetVersion::vs2008},
+               {11, TVSDotNetVersion::vsUnknown}, {6, TVSDotNetVersion::vsUnknown}};
+  for (const auto& c : cases) {
+    SolutionDir d;
+    EXPECT_EQ(d.Open(Header(c.number) + kEmptyGlobal)->GetVersion(), c.version) << c.number;
+  }
+}
+
+TEST(OpenSolution, HeaderFailures) {
+  SolutionDir d;
+  // Empty lines before the header are dropped; a line of blanks is not.
+  EXPECT_EQ(d.Open("\n\n" + Header(9) + kEmptyGlobal)->GetVersion(), TVSDotNetVersion::vs2005);
+  EXPECT_EQ(d.ErrorOf("   \n" + Header(9) + kEmptyGlobal),
+            "Invalid Visual Studio Solution Header :    ");
+  EXPECT_EQ(d.ErrorOf("Microsoft Visual Studio Solution File\n"),
+            "Invalid Visual Studio Solution Header : Microsoft Visual Studio Solution File");
+  EXPECT_EQ(d.ErrorOf(""), "List index out of bounds (0)");
+  EXPECT_EQ(d.ErrorOf("\n\n\n"), "List index out of bounds (0)");
+  // The header is searched anywhere in the first line, in any letter case.
+  EXPECT_EQ(d.Open("# microsoft visual studio solution file, format version 8.00\n" + kEmptyGlobal)
+                ->GetVersion(),
+            TVSDotNetVersion::vs2003);
+}
+
+TEST(OpenSolution, MissingGlobalPartsFailWithTheListIndexError) {
+  SolutionDir d;
+  std::string projects = Header() + ProjectLine("A", "A\\A.csproj", kA) + "EndProject\n";
+  EXPECT_EQ(d.ErrorOf(projects), "List index out of bounds (3)");
+  EXPECT_EQ(d.ErrorOf(projects + "Global\n"), "List index out of bounds (4)");
+  EXPECT_EQ(d.ErrorOf(projects + "Global\n\tGlobalSection(SolutionConfigurationPlatforms) = "
+                                 "preSolution\n\t\tDebug|Any CPU = Debug|Any CPU\n"),
+            "List index out of bounds (6)");
+}
+
+TEST(OpenSolution, ReadsProjectsAsWrittenAndLooksForTheirFiles) {
+  SolutionDir d;
+  std::string body = Header() + ProjectLine("A", "A\\A.csproj", kA) + "EndProject\n" +
+                     ProjectLine("Gone", "Gone\\Gone.csproj", kB) + "EndProject\n" +
+                     ProjectLine("Web", "http://localhost/Web/Web.csproj", kC) + "EndProject\n" +
+                     kEmptyGlobal;
+  auto s = d.Open(body);
+  EXPECT_EQ(Names(s), (std::vector<std::string>{"A", "Web"}));
+  EXPECT_EQ(d.Open(body, true)->GetProjects()->GetCount(), 3);
+
+  auto a = s->GetProjects()->GetItem(0);
+  EXPECT_EQ(a->GetFileName(), "A\\A.csproj");
+  EXPECT_EQ(a->GetProjectGUID(), kA);
+  EXPECT_EQ(a->GetProjectTypeGUID(), kCs);
+  EXPECT_FALSE(a->IsVCProject());
+  EXPECT_EQ(s->GetFileName(), d.dir.File("S.sln"));
+  EXPECT_EQ(s->GetReservedText1(), "");
+  EXPECT_EQ(s->GetReservedText2(), "");
+  EXPECT_FALSE(s->GetConfigurations()) << "no configuration section";
+}
+
+TEST(OpenSolution, ProjectLineFailures) {
+  SolutionDir d;
+  EXPECT_EQ(
+      d.ErrorOf(Header() + "Project(\"" + kCs + "\") = \"A\", \"A\\A.csproj\"\n" + kEmptyGlobal),
+      "Error parsing project string");
+  EXPECT_EQ(d.ErrorOf(Header() + "Project(\"" + kCs + "\") \"A\", \"x\", \"y\"\n" + kEmptyGlobal),
+            "Error parsing project string");
+}
+
+TEST(OpenSolution, DependencySectionsAndTheirQuirks) {
+  SolutionDir d;
+  std::string body =
+      Header(9) + ProjectLine("A", "A\\A.csproj", kA) +
+      "\tProjectSection(ProjectDependencies) = postProject\n\t\t" + kB + " = " + kB +
+      "\n\t\tnot a dependency line\n\t\t" + kB + " = " + kB +
+      "\n\tEndProjectSection\nEndProject\n" +
+      // another section first: its EndProjectSection ends the project, the dependency is lost
+      ProjectLine("B", "B\\B.csproj", kB) +
+      "\tProjectSection(WebsiteProperties) = preProject\n\t\tDebug.AspNetCompiler.Debug = "
+      "\"True\"\n\tEndProjectSection\n\tProjectSection(ProjectDependencies) = postProject\n\t\t" +
+      kC + " = " + kC + "\n\tEndProjectSection\nEndProject\n" +
+      // a skipped project's dependencies go nowhere
+      ProjectLine("Gone", "Gone\\Gone.csproj", kC) +
+      "\tProjectSection(ProjectDependencies) = postProject\n\t\t" + kA + " = " + kA +
+      "\n\tEndProjectSection\nEndProject\n" + kEmptyGlobal;
+  auto s = d.Open(body);
+  EXPECT_EQ(Names(s), (std::vector<std::string>{"B", "A"}));
+  auto deps = s->GetProjects()->FindByGUID(kA)->GetDependencies();
+  EXPECT_EQ(deps->GetCount(), 2) << "duplicates are kept";
+  EXPECT_EQ(deps->GetItem(0), kB);
+  EXPECT_EQ(deps->GetItem(2), "");
+  EXPECT_EQ(deps->GetItem(-1), "");
+  EXPECT_TRUE(deps->Contains(LowerCase(kB)));
+  EXPECT_EQ(s->GetProjects()->FindByGUID(kB)->GetDependencies()->GetCount(), 0);
+}
+
+const std::string kConfigBody =
+    "Global\n"
+    "\tGlobalSection(SolutionConfigurationPlatforms) = preSolution\n"
+    "\t\tDebug|Any CPU = Debug|Any CPU\n"
+    "\tEndGlobalSection\n"
+    "\tGlobalSection(SolutionConfigurationPlatforms) = preSolution\n"
+    "\t\tDebug|Any CPU = Debug|Any CPU\n"
+    "\t\tRelease|Any CPU = Release|Any CPU\n"
+    "\tEndGlobalSection\n"
+    "\tGlobalSection(ProjectConfigurationPlatforms) = postSolution\n"
+    "\t\t" +
+    kA +
+    ".Debug|Any CPU.ActiveCfg = Debug|Any CPU\n"
+    "\t\t" +
+    kA +
+    ".Debug|Any CPU.Build.0 = Debug|AnyCPU\n"
+    "\t\t" +
+    kA +
+    ".Release|Any CPU.Build.0 = Release|Any CPU\n"
+    "\t\t" +
+    kA +
+    ".Release|Any CPU.Deploy.0 = Release|Any CPU\n"
+    "\t\t" +
+    kB +
+    ".Release|Any CPU.Build.0 = Release|Any CPU\n"
+    "\t\t" +
+    kB +
+    ".Release|Any CPU.ActiveCfg = Release|x86\n"
+    "\t\t{FFFFFFFF-0000-0000-0000-00000000000F}.Debug|Any CPU.ActiveCfg = Debug|Any CPU\n"
+    "\tEndGlobalSection\n"
+    "\tGlobalSection(SolutionProperties) = preSolution\n"
+    "\t\tHideSolutionNode = FALSE\n"
+    "\tEndGlobalSection\n"
+    "EndGlobal\n";
+
+TEST(OpenSolution, ConfigurationsAndMappings) {
+  SolutionDir d;
+  auto s = d.Open(Header() + ProjectLine("A", "A\\A.csproj", kA) + "EndProject\n" +
+                  ProjectLine("B", "B\\B.csproj", kB) + "EndProject\n" + kConfigBody);
+  EXPECT_EQ(ConfigNames(s), (std::vector<std::string>{"Debug|Any CPU", "Release|Any CPU"}))
+      << "the second section replaces the first";
+  EXPECT_FALSE(s->GetConfigurations()->GetItem(2));
+  EXPECT_FALSE(s->GetConfigurations()->GetItem(-1));
+
+  auto a = s->GetProjects()->FindByGUID(kA);
+  EXPECT_EQ(a->GetProjectConfiguration("debug|any cpu"), "Debug|Any CPU") << "first line wins";
+  EXPECT_TRUE(a->IsActiveConfiguration("Debug|Any CPU"));
+  EXPECT_EQ(a->GetProjectConfiguration("Release|Any CPU"), "Release|Any CPU");
+  EXPECT_FALSE(a->IsActiveConfiguration("Release|Any CPU")) << "Build.0 alone leaves it unset";
+  EXPECT_EQ(a->GetProjectConfiguration("Nope"), "");
+  EXPECT_FALSE(a->IsActiveConfiguration("Nope"));
+
+  auto b = s->GetProjects()->FindByGUID(kB);
+  EXPECT_EQ(b->GetProjectConfiguration("Release|Any CPU"), "Release|Any CPU");
+  EXPECT_TRUE(b->IsActiveConfiguration("Release|Any CPU")) << "ActiveCfg read after Build.0";
+  EXPECT_FALSE(s->GetProjects()->FindByGUID(LowerCase(kB))) << "FindByGUID is exact";
+}
+
+TEST(OpenSolution, FormatSevenConfigurationsAndGlobalDependencies) {
+  SolutionDir d;
+  std::string body = Header(8) + ProjectLine("A", "A\\A.csproj", kA) + "EndProject\n" +
+                     ProjectLine("B", "B\\B.csproj", kB) + "EndProject\n" +
+                     "Global\n"
+                     "\tGlobalSection(SolutionConfiguration) = preSolution\n"
+                     "\t\tDescription = my solution\n"
+                     "\t\tDebug = Debug\n"
+                     "\t\tRelease = Release\n"
+                     "\tEndGlobalSection\n"
+                     "\tGlobalSection(ProjectDependencies) = postSolution\n"
+                     "\t\t" +
+                     kA + ".0 = " + kB +
+                     "\n"
+                     "\tEndGlobalSection\n"
+                     "\tGlobalSection(ProjectConfiguration) = postSolution\n"
+                     "\t\t" +
+                     kA +
+                     ".Debug.ActiveCfg = Debug|.NET\n"
+                     "\tEndGlobalSection\n"
+                     "EndGlobal\n";
+  auto s = d.Open(body);
+  EXPECT_EQ(ConfigNames(s), (std::vector<std::string>{"Debug", "Release"}));
+  EXPECT_EQ(s->GetProjects()->FindByGUID(kA)->GetProjectConfiguration("Debug"), "Debug|.NET");
+  EXPECT_EQ(Names(s), (std::vector<std::string>{"A", "B"})) << "global dependencies come late";
+  EXPECT_EQ(s->GetProjects()->FindByGUID(kA)->GetDependencies()->GetItem(0), kB);
+  s->GetProjects()->SortByDependency();
+  EXPECT_EQ(Names(s), (std::vector<std::string>{"B", "A"}));
+}
+
+TEST(OpenSolution, CircularDependenciesFailTheOpen) {
+  SolutionDir d;
+  auto dep = [](const std::string& g) {
+    return "\tProjectSection(ProjectDependencies) = postProject\n\t\t" + g + " = " + g +
+           "\n\tEndProjectSection\n";
+  };
+  std::string body = Header() + ProjectLine("A", "A\\A.csproj", kA) + dep(kB) + "EndProject\n" +
+                     ProjectLine("B", "B\\B.csproj", kB) + dep(kA) + "EndProject\n" + kEmptyGlobal;
+  EXPECT_EQ(d.ErrorOf(body), "Solution has invalid circular dependancies between : B and A");
+}
+
+TEST(OpenSolution, ReadsEncodingsVisualStudioWrites) {
+  SolutionDir d;
+  std::string body =
+      Crlf(Header() + ProjectLine("A", "A\\A.csproj", kA) + "EndProject\n" + kEmptyGlobal);
+  std::string utf16 = "\xFF\xFE";
+  for (char c : body)
+    utf16 += std::string{c, '\0'};
+  for (const std::string& bytes : {"\xEF\xBB\xBF\r\n" + body, utf16}) {
+    auto s = OpenSolution(d.dir.Write("E.sln", bytes), false);
+    EXPECT_EQ(Names(s), std::vector<std::string>{"A"});
+  }
+}
+
+TEST(Model, ListLookupsNeverFailAndDependencyListsAnswerTheSharedIdentifier) {
+  SolutionDir d;
+  auto s = d.Open(Header() + ProjectLine("A", "A\\A.csproj", kA) + "EndProject\n" + kEmptyGlobal);
+  auto projects = s->GetProjects();
+  EXPECT_FALSE(projects->GetItem(-1));
+  EXPECT_FALSE(projects->GetItem(1));
+  EXPECT_EQ(projects->FindByFileName("A\\A.csproj")->GetName(), "A");
+  EXPECT_FALSE(projects->FindByFileName("a\\a.csproj"));
+
+  auto deps = projects->GetItem(0)->GetDependencies();
+  void* p = nullptr;
+  ASSERT_EQ(deps->QueryInterface(IVSDotNetProjectConfigurations::IID, &p), HResult::S_OK);
+  auto same =
+      IntfPtr<IVSDotNetProjectDependancies>::Attach(static_cast<IVSDotNetProjectDependancies*>(p));
+  EXPECT_EQ(same.Get(), deps.Get());
+  EXPECT_FALSE(Supports<IVSDotNetProjectConfiguration>(deps));
+  EXPECT_TRUE(Supports<IVSDotNetObject>(deps));
+  EXPECT_EQ(deps->GetImplementation(), Supports<IVSDotNetObject>(deps)->GetImplementation());
+
+  projects->GetItem(0)->AddConfiguration("Debug", "Debug|x86", false);
+  projects->GetItem(0)->AddConfiguration("DEBUG", "Other", true);
+  EXPECT_EQ(projects->GetItem(0)->GetProjectConfiguration("debug"), "Debug|x86");
+  EXPECT_TRUE(projects->GetItem(0)->IsActiveConfiguration("Debug"));
+}
+
+const char* kVcproj = R"(<?xml version="1.0" encoding="Windows-1252"?>
+<VisualStudioProject ProjectType="Visual C++" Version="8.00" Name="App">
+  <Files>
+    <Filter Name="Resource Files" Filter="rc;ico">
+      <File RelativePath=".\res\app.RC"/>
+      <File RelativePath="other.rc"/>
+      <File RelativePath="resource.h"/>
+      <Filter Name="Nested"><File RelativePath="nested.rc"/></Filter>
+    </Filter>
+    <File RelativePath="direct.rc"/>
+  </Files>
+</VisualStudioProject>
+)";
+
+TEST(ProjectFiles, ResourceScriptsOfFirstLevelFiltersAndTheVersionScript) {
+  SolutionDir d;
+  d.dir.Write("App/App.vcproj", kVcproj);
+  d.dir.Write("App/res/app.RC", "// no version here\r\n");
+  d.dir.Write("App/other.rc", "1 VERSIONINFO\r\n");
+  d.dir.Write("App/nested.rc", "1 VERSIONINFO\r\n");
+  auto s = d.Open(Header() + ProjectLine("App", "App\\App.vcproj", kA, kVc) + "EndProject\n" +
+                  kEmptyGlobal);
+  auto app = s->GetProjects()->GetItem(0);
+  EXPECT_TRUE(app->IsVCProject());
+  EXPECT_EQ(app->GetResourceFiles()->Strings(),
+            (std::vector<std::string>{d.dir.File("App/res/app.RC"), d.dir.File("App/other.rc")}));
+  EXPECT_EQ(app->GetVersionInfoFile(), d.dir.File("App/other.rc"));
+}
+
+TEST(ProjectFiles, UnreadableScriptsAreSkippedAndOtherRootsContributeNothing) {
+  SolutionDir d;
+  d.dir.Write("App/App.vcproj", kVcproj);  // none of its scripts exist
+  d.dir.Write("Other/Other.vcproj",
+              "<Project><Files><Filter><File RelativePath=\"x.rc\"/>"
+              "</Filter></Files></Project>");
+  auto s =
+      d.Open(Header() + ProjectLine("App", "App\\App.vcproj", kA, kVc) + "EndProject\n" +
+             ProjectLine("Other", "Other\\Other.vcproj", kB, kVc) + "EndProject\n" + kEmptyGlobal);
+  EXPECT_EQ(s->GetProjects()->FindByGUID(kA)->GetResourceFiles()->Count(), 2);
+  EXPECT_EQ(s->GetProjects()->FindByGUID(kA)->GetVersionInfoFile(), "");
+  EXPECT_EQ(s->GetProjects()->FindByGUID(kB)->GetResourceFiles()->Count(), 0);
+}
+
+TEST(ProjectFiles, MalformedProjectFileFailsTheWholeSolution) {
+  SolutionDir d;
+  d.dir.Write("App/App.vcproj", "<VisualStudioProject>\n  <Files>\n</VisualStudioProject>\n");
+  EXPECT_EQ(d.ErrorOf(Header() + ProjectLine("App", "App\\App.vcproj", kA, kVc) + "EndProject\n" +
+                      kEmptyGlobal),
+            "Error parsing project file : Start-end tags mismatch at offset 34 (line 3 of " +
+                d.dir.File("App/App.vcproj") + ")");
+}
+
+TEST(Examples, BundledSolutionsOpenInDependencyOrder) {
+  struct Case {
+    const char* file;
+    TVSDotNetVersion version;
+    std::vector<std::string> order;
+  } cases[] = {
+      {"vs2002/Reporting.sln",
+       TVSDotNetVersion::vs2002,
+       {"Reporter", "Tools.Core", "NativeHelper"}},
+      {"vs2003/Billing.sln",
+       TVSDotNetVersion::vs2003,
+       {"Billing.Core", "BillingBridge", "WebApp", "BillingConsole", "NativeCalc"}},
+      {"vs2005/OrderDesk.sln",
+       TVSDotNetVersion::vs2005,
+       {"http://localhost/OrderSite/", "Orders.Core", "OrderNative", "OrderTool", "OrderSetup"}},
+      {"vs2008/Greeting.sln",
+       TVSDotNetVersion::vs2008,
+       {"Greeting.Lib", "Greeting.Console", "Greeting.Tests"}},
+      {"vs2008/Mixed.sln",
+       TVSDotNetVersion::vs2008,
+       {"Greeting.Lib", "Greeting.Console", "GreetingNative", "GreetingSetup"}},
+  };
+  for (const auto& c : cases) {
+    auto s = OpenSolution(std::string(QV_EXAMPLES_DIR) + "/" + c.file, false);
+    EXPECT_EQ(s->GetVersion(), c.version) << c.file;
+    EXPECT_EQ(Names(s), c.order) << c.file;
+  }
+  auto native = OpenSolution(std::string(QV_EXAMPLES_DIR) + "/vs2005/OrderDesk.sln", false)
+                    ->GetProjects()
+                    ->GetItem(2);
+  EXPECT_EQ(ExtractFileName(native->GetVersionInfoFile()), "other.rc");
+}
+
+}  // namespace

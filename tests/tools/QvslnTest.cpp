@@ -1,0 +1,112 @@
+#include <gtest/gtest.h>
+
+#include "support/RunCommand.h"
+#include "support/TempDir.h"
+
+using qvtest::RunCommand;
+using qvtest::ShellQuote;
+using qvtest::TempDir;
+
+namespace {
+
+const std::string kQvsln = QV_QVSLN;
+
+// Two projects where the first depends on the second through a global section only, one
+// of them a Visual C++ project with a version script.
+struct Fixture {
+  TempDir dir;
+  std::string sln;
+  Fixture() {
+    dir.Write("Lib/Lib.csproj", "<Project/>");
+    dir.Write("Native/Native.vcproj",
+              "<VisualStudioProject><Files><Filter Name=\"Resource Files\">"
+              "<File RelativePath=\"Native.rc\"/></Filter></Files></VisualStudioProject>");
+    dir.Write("Native/Native.rc", "VS_VERSION_INFO VERSIONINFO\r\n");
+    sln = dir.Write(
+        "S.sln",
+        "Microsoft Visual Studio Solution File, Format Version 8.00\r\n"
+        "Project(\"{8BC9CEB8-8B4A-11D0-8D11-00A0C983F5F7}\") = \"Native\", "
+        "\"Native\\Native.vcproj\", "
+        "\"{11111111-1111-1111-1111-111111111111}\"\r\n"
+        "EndProject\r\n"
+        "Project(\"{FAE04EC0-301F-11D3-BF4B-00C04F79EFBC}\") = \"Lib\", \"Lib\\Lib.csproj\", "
+        "\"{22222222-2222-2222-2222-222222222222}\"\r\n"
+        "EndProject\r\n"
+        "Global\r\n"
+        "\tGlobalSection(SolutionConfiguration) = preSolution\r\n"
+        "\t\tDebug = Debug\r\n"
+        "\tEndGlobalSection\r\n"
+        "\tGlobalSection(ProjectDependencies) = postSolution\r\n"
+        "\t\t{11111111-1111-1111-1111-111111111111}.0 = {22222222-2222-2222-2222-222222222222}\r\n"
+        "\tEndGlobalSection\r\n"
+        "\tGlobalSection(ProjectConfiguration) = postSolution\r\n"
+        "\t\t{22222222-2222-2222-2222-222222222222}.Debug.Build.0 = Debug|.NET\r\n"
+        "\tEndGlobalSection\r\n"
+        "EndGlobal\r\n");
+  }
+};
+
+TEST(Qvsln, JsonDescribesTheModelExactly) {
+  Fixture f;
+  auto r = RunCommand(kQvsln + " --json " + ShellQuote(f.sln));
+  ASSERT_EQ(r.exitCode, 0) << r.err;
+  EXPECT_EQ(r.out,
+            "{\"fileName\":\"" + f.sln +
+                "\",\"version\":\"vs2003\",\"configurations\":[\"Debug\"],\"projects\":["
+                "{\"name\":\"Native\",\"fileName\":\"Native\\\\Native.vcproj\","
+                "\"projectTypeGUID\":\"{8BC9CEB8-8B4A-11D0-8D11-00A0C983F5F7}\","
+                "\"projectGUID\":\"{11111111-1111-1111-1111-111111111111}\",\"isVCProject\":true,"
+                "\"dependencies\":[\"{22222222-2222-2222-2222-222222222222}\"],"
+                "\"resourceFiles\":[\"" +
+                f.dir.File("Native/Native.rc") +
+                "\"],"
+                "\"versionInfoFile\":\"" +
+                f.dir.File("Native/Native.rc") +
+                "\","
+                "\"configurations\":[]},"
+                "{\"name\":\"Lib\",\"fileName\":\"Lib\\\\Lib.csproj\","
+                "\"projectTypeGUID\":\"{FAE04EC0-301F-11D3-BF4B-00C04F79EFBC}\","
+                "\"projectGUID\":\"{22222222-2222-2222-2222-222222222222}\",\"isVCProject\":false,"
+                "\"dependencies\":[],\"resourceFiles\":[],\"versionInfoFile\":\"\","
+                "\"configurations\":[{\"solutionConfiguration\":\"Debug\","
+                "\"projectConfiguration\":\"Debug|.NET\",\"active\":false}]}]}\n");
+}
+
+TEST(Qvsln, ResortAppliesGlobalDependencies) {
+  Fixture f;
+  auto plain = RunCommand(kQvsln + " " + ShellQuote(f.sln));
+  auto resorted = RunCommand(kQvsln + " --resort " + ShellQuote(f.sln));
+  ASSERT_EQ(plain.exitCode, 0);
+  ASSERT_EQ(resorted.exitCode, 0);
+  EXPECT_LT(plain.out.find("1. Native"), plain.out.find("2. Lib"));
+  EXPECT_NE(resorted.out.find("1. Lib"), std::string::npos) << resorted.out;
+  EXPECT_NE(resorted.out.find("2. Native"), std::string::npos);
+  EXPECT_NE(plain.out.find("depends on: {22222222-2222-2222-2222-222222222222} (Lib)"),
+            std::string::npos);
+}
+
+TEST(Qvsln, FailuresAndBadUsage) {
+  TempDir dir;
+  std::string bad = dir.Write("bad.sln", "not a solution\r\n");
+  auto r = RunCommand(kQvsln + " " + ShellQuote(bad));
+  EXPECT_EQ(r.exitCode, 1);
+  EXPECT_EQ(r.err, "qvsln: Invalid Visual Studio Solution Header : not a solution\n");
+  EXPECT_EQ(r.out, "");
+  r = RunCommand(kQvsln + " " + ShellQuote(dir.File("missing.sln")));
+  EXPECT_EQ(r.exitCode, 1);
+  EXPECT_EQ(r.err.rfind("qvsln: Cannot open file \"" + dir.File("missing.sln") + "\".", 0), 0u);
+  EXPECT_EQ(RunCommand(kQvsln).exitCode, 2);
+  EXPECT_EQ(RunCommand(kQvsln + " --bogus x.sln").exitCode, 2);
+  EXPECT_EQ(RunCommand(kQvsln + " --help").exitCode, 0);
+}
+
+TEST(Qvsln, ReadsEveryBundledExample) {
+  for (const char* sln : {"vs2002/Reporting.sln", "vs2003/Billing.sln", "vs2005/OrderDesk.sln",
+                          "vs2008/Greeting.sln", "vs2008/Mixed.sln"}) {
+    auto r = RunCommand(kQvsln + " --json " + ShellQuote(std::string(QV_EXAMPLES_DIR) + "/" + sln));
+    EXPECT_EQ(r.exitCode, 0) << sln << ": " << r.err;
+    EXPECT_EQ(r.out.substr(0, 13), "{\"fileName\":\"") << sln;
+  }
+}
+
+}  // namespace

@@ -1,0 +1,18 @@
+// What qvsln prints about a solution: a report for people and a JSON object for programs.
+#pragma once
+
+#include <string>
+
+#include "Vsnetsln.h"
+
+namespace qv {
+
+// Text for people: format, configurations, and the projects in model order with their
+// identifiers, paths, dependencies, configuration mappings and resource scripts.
+std::string SolutionText(IVSDotNetSolution& solution);
+
+// One JSON object: fileName, version, configurations (null without a configuration
+// section) and the projects in model order.
+std::string SolutionJson(IVSDotNetSolution& solution);
+
+}  // namespace qv
