@@ -89,13 +89,17 @@ struct SetterArg<R (C::*)(A)> {
   using type = std::remove_cvref_t<A>;
 };
 
+// A getter may be non-const where reading has a side effect (decrypting through the host,
+// a getter that also rebuilds another value); reading through the table allows it.
 template <class C, auto G>
 decltype(auto) Read(const TQvPersistent& o) {
   const C& c = static_cast<const C&>(o);
   if constexpr (std::is_member_object_pointer_v<decltype(G)>)
     return (c.*G);
-  else
+  else if constexpr (std::is_invocable_v<decltype(G), const C&>)
     return (c.*G)();
+  else
+    return (const_cast<C&>(c).*G)();
 }
 
 template <class C, auto S, class V>

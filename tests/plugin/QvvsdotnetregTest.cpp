@@ -1,0 +1,89 @@
+#include "Qvvsdotnetreg.h"
+
+#include <gtest/gtest.h>
+
+#include "QvPackage.h"
+#include "Qvvsdotnetaction.h"
+#include "support/RecordingActionContext.h"
+#include "support/RecordingServices.h"
+
+using namespace qv;
+
+namespace {
+
+const std::vector<std::string> kRunTimeCalls = {
+    "action TQvVSDotNetAction \"Build VS.Net Solution\" Compilers DEVENV",
+    "method TQvVSDotNetAction.GetProjectID function _GetProjectID(const ProjectName: string): "
+    "string;",
+    "method TQvVSDotNetAction.GetProjectName function _GetProjectName(const ProjectId: string): "
+    "string;",
+    "method TQvVSDotNetAction.GetProjectPath function _GetProjectPath(const ProjectId: string): "
+    "string;",
+    "options TVSDotNetOptions DEVENV",
+    "global VSDotNetOptions function VSDotNetOptions: Variant;",
+    "enum TVSDotNetVersion vs2002,vs2003,vs2005,vs2008,vsUnknown",
+};
+
+std::vector<std::string> DesignTimeCalls() {
+  std::vector<std::string> calls = kRunTimeCalls;
+  for (const char* line :
+       {"editor string TQvVSDotNetAction.Solution TSolutionEditor",
+        "editor string TQvVSDotNetAction.SolutionConfiguration TSolutionEditor",
+        "editor string TQvVSDotNetAction.AssemblyInfo TShowActionPropertiesEditor",
+        "editor string TQvVSDotNetAction.Win32VersionInfo TShowActionPropertiesEditor",
+        "editor string TQvVSDotNetAction.NSolution TSolutionEditor",
+        "editor string TQvVSDotNetAction.NSolutionConfiguration TSolutionEditor",
+        "constant baBuild=0", "constant baRebuild=1", "constant baClean=2", "constant baDeploy=3"})
+    calls.push_back(line);
+  return calls;
+}
+
+TEST(QvRegister, WithoutDesignTimeOnlyActionsScriptMethodsAndOptions) {
+  qvtest::RecordingServices services;
+  QvRegisterPackage(false);
+  EXPECT_EQ(services.Calls, kRunTimeCalls);
+}
+
+TEST(QvRegister, DesignTimeAddsEditorsAndEndsWithTheBuildKindConstants) {
+  qvtest::RecordingServices services;
+  QvRegisterPackage(true);
+  EXPECT_EQ(services.Calls, DesignTimeCalls());
+  EXPECT_EQ(services.Constants["baDeploy"], 3);
+}
+
+TEST(QvRegister, ThroughTheBuiltPackageModule) {
+  auto module = TQvPackageModule::Load(QV_PACKAGE_MODULE);
+  EXPECT_STREQ(module->InfoTable()->PackageName, "QvVisualStudioDotNet");
+  {
+    // The services (and the options object they hold) go before the module does.
+    qvtest::RecordingServices services;
+    module->Initialize();
+    module->Register(true);
+    EXPECT_EQ(services.Calls, DesignTimeCalls());
+    module->Finalize();
+  }
+}
+
+TEST(QvRegister, ScriptMethodsAnswerFromTheSolution) {
+  qvtest::RecordingServices services;
+  QvRegisterPackage(false);
+  auto ctx = qvtest::RecordingActionContext::Create();
+  ctx->Variables["Examples"] = QV_EXAMPLES_DIR;
+  TQvVSDotNetAction action;
+  action.BindContext(ctx);
+  action.SetPropValue("Solution", "%Examples%/vs2003/Billing.sln");
+  auto call = [&](const char* name, const std::string& arg) {
+    return ScriptValueToString(
+        services.CallMethod("TQvVSDotNetAction", name, action, {TScriptValue(arg)}));
+  };
+  const std::string core = "{39667F18-AB01-442C-A2EB-F9059A3C6F9D}";
+  EXPECT_EQ(call("GetProjectID", "Billing.Core"), core);
+  EXPECT_EQ(call("GetProjectName", core), "Billing.Core");
+  EXPECT_EQ(call("GetProjectPath", core), "Billing.Core\\Billing.Core.csproj");
+  EXPECT_EQ(call("GetProjectID", "WebApp"), "{AFFA1CCE-F1E8-4744-9F1A-BE91AE4BE644}");
+  EXPECT_EQ(call("GetProjectPath", "{AFFA1CCE-F1E8-4744-9F1A-BE91AE4BE644}"),
+            "http://localhost/WebApp/WebApp.csproj");
+  EXPECT_EQ(call("GetProjectID", "Nothing"), "");
+}
+
+}  // namespace
