@@ -1,0 +1,96 @@
+#include <io.h>
+#include <windows.h>
+
+#include <cstdio>
+#include <cstdlib>
+
+#include "HostPlatform.h"
+#include "QvExceptions.h"
+#include "QvPlatform.h"
+#include "QvSysUtils.h"
+
+namespace qvhost::platform {
+
+std::string UserConfigFolder() {
+  const char* appData = std::getenv("APPDATA");
+  return qv::ExcludeTrailingPathDelimiter(appData ? appData : ".") + "\\Quorvex";
+}
+
+std::string FindProgram(const std::string& name) {
+  char found[MAX_PATH];
+  DWORD n = SearchPathA(nullptr, name.c_str(), ".exe", MAX_PATH, found, nullptr);
+  return n > 0 && n < MAX_PATH ? std::string(found, n) : std::string();
+}
+
+bool StdoutIsTerminal() {
+  return _isatty(_fileno(stdout)) != 0;
+}
+
+namespace {
+[[noreturn]] void Fail(const std::string& path, const char* what) {
+  throw qv::Exception(std::string("Cannot ") + what + " \"" + path + "\" : error " +
+                      std::to_string(GetLastError()));
+}
+
+void MakeFolders(const std::string& folder) {
+  if (folder.empty() || qv::platform::DirectoryExists(folder)) return;
+  MakeFolders(qv::ExtractFileDir(folder));
+  if (!CreateDirectoryA(folder.c_str(), nullptr) && GetLastError() != ERROR_ALREADY_EXISTS)
+    Fail(folder, "create folder");
+}
+}  // namespace
+
+// Files under %APPDATA% inherit the profile's access list, which admits only the user.
+std::string ReadOrCreatePrivateFile(const std::string& path,
+                                    const std::function<std::string()>& makeContent) {
+  std::string data, error;
+  if (qv::platform::ReadWholeFile(path, data, error)) return data;
+  MakeFolders(qv::ExtractFileDir(path));
+  HANDLE h = CreateFileA(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL,
+                         nullptr);
+  if (h == INVALID_HANDLE_VALUE) {
+    if (GetLastError() == ERROR_FILE_EXISTS && qv::platform::ReadWholeFile(path, data, error))
+      return data;
+    Fail(path, "create");
+  }
+  std::string content = makeContent();
+  DWORD written = 0;
+  bool ok = WriteFile(h, content.data(), static_cast<DWORD>(content.size()), &written, nullptr) &&
+            written == content.size();
+  CloseHandle(h);
+  if (!ok) {
+    DeleteFileA(path.c_str());
+    Fail(path, "write");
+  }
+  return content;
+}
+
+// ---- interrupts -----------------------------------------------------------------------------
+
+namespace {
+std::function<void()>* gOnInterrupt = nullptr;
+
+// Windows calls console handlers on a thread of their own, so the work may happen right here.
+BOOL WINAPI OnConsoleEvent(DWORD event) {
+  if (event != CTRL_C_EVENT && event != CTRL_BREAK_EVENT && event != CTRL_CLOSE_EVENT) return FALSE;
+  if (gOnInterrupt) (*gOnInterrupt)();
+  return TRUE;
+}
+}  // namespace
+
+struct TInterruptWatcher::Impl {
+  std::function<void()> OnInterrupt;
+};
+
+TInterruptWatcher::TInterruptWatcher(std::function<void()> onInterrupt) : FImpl(new Impl) {
+  FImpl->OnInterrupt = std::move(onInterrupt);
+  gOnInterrupt = &FImpl->OnInterrupt;
+  SetConsoleCtrlHandler(OnConsoleEvent, TRUE);
+}
+
+TInterruptWatcher::~TInterruptWatcher() {
+  SetConsoleCtrlHandler(OnConsoleEvent, FALSE);
+  gOnInterrupt = nullptr;
+}
+
+}  // namespace qvhost::platform

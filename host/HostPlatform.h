@@ -1,0 +1,43 @@
+// The operating-system services the host needs beyond the SDK's, one implementation file per
+// platform (HostPlatform-posix.cpp, HostPlatform-win32.cpp).
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+
+namespace qvhost::platform {
+
+// The host's per-user configuration folder, without a trailing separator:
+// $XDG_CONFIG_HOME/quorvex or ~/.config/quorvex (%APPDATA%\Quorvex on Windows).
+std::string UserConfigFolder();
+
+// The full path of an executable program: `name` itself when it holds a folder separator,
+// otherwise the first match along PATH; empty when there is none.
+std::string FindProgram(const std::string& name);
+
+// True when standard output is an interactive terminal.
+bool StdoutIsTerminal();
+
+// Reads the whole file at `path`. When it does not exist, creates it (and its folder) readable
+// and writable by the current user only, filled with `makeContent()`, and returns that.
+// Throws qv::Exception naming the file when it can be neither read nor created.
+std::string ReadOrCreatePrivateFile(const std::string& path,
+                                    const std::function<std::string()>& makeContent);
+
+// While alive, calls `onInterrupt` on a thread of its own each time the user interrupts the
+// host (Ctrl-C) or the system asks it to terminate. Restores the previous handling on
+// destruction. One watcher at a time.
+class TInterruptWatcher {
+ public:
+  explicit TInterruptWatcher(std::function<void()> onInterrupt);
+  ~TInterruptWatcher();
+  TInterruptWatcher(const TInterruptWatcher&) = delete;
+  TInterruptWatcher& operator=(const TInterruptWatcher&) = delete;
+
+ private:
+  struct Impl;
+  std::unique_ptr<Impl> FImpl;
+};
+
+}  // namespace qvhost::platform

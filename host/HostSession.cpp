@@ -1,0 +1,142 @@
+#include "HostSession.h"
+
+#include <cstdlib>
+#include <ostream>
+
+#include "Catalog.h"
+#include "ProcessRunner.h"
+#include "QvExceptions.h"
+#include "QvPlatform.h"
+#include "QvSysUtils.h"
+
+namespace qvhost {
+
+THostSession::TSlotsGuard::~TSlotsGuard() {
+  qv::QvActionServices = nullptr;
+  qv::QvScriptingServices = nullptr;
+  qv::QvOptionsServices = nullptr;
+  qv::QvDotNetInfo = nullptr;
+  qv::QvRegistry = nullptr;
+}
+
+THostSession::THostSession(const THostSettings& settings, std::ostream& out, TRunner::TClock clock)
+    : FOut(out), FClock(std::move(clock)), FDesignTime(settings.DesignTime) {
+  qv::QvActionServices = &FServices;
+  qv::QvScriptingServices = &FServices;
+  qv::QvOptionsServices = &FServices;
+  qv::QvDotNetInfo = &FDotNet;
+  for (const auto& [version, folder] : settings.Frameworks)
+    FDotNet.AddFramework(version, folder);
+  FDotNet.SetFallbackFolder(settings.FallbackFramework);
+  InstallRegistry(settings);
+  FStore = std::make_unique<TOptionsStore>(
+      settings.OptionsFile.empty() ? TOptionsStore::DefaultFileName() : settings.OptionsFile);
+  FVault = std::make_unique<TPasswordVault>(
+      settings.KeyFile.empty() ? TPasswordVault::DefaultKeyFile() : settings.KeyFile);
+  for (const auto& [name, value] : settings.Variables)
+    FExpander.SetOverride(name, value);
+  FLog = NewLogSink(settings.LogFormat, out, settings.Colour);
+  FPackages.Load(PackageFiles(settings), settings.DesignTime);
+  FServices.LoadOptions(*FStore);
+}
+
+THostSession::~THostSession() = default;
+
+void THostSession::InstallRegistry(const THostSettings& settings) {
+  std::string file = settings.RegistryFile;
+  if (file.empty())
+    if (const char* env = std::getenv("QV_REGISTRY")) file = env;
+  if (!file.empty())
+    FRegistry = qv::TRegFileRegistry::LoadFromFile(file);
+  else
+    FRegistry = qv::NewNativeRegistryReader();
+  qv::QvRegistry = FRegistry.get();
+}
+
+std::vector<std::string> THostSession::PackageFiles(const THostSettings& settings) const {
+  std::vector<std::string> files;
+  if (settings.DefaultPackages)
+    files = FindPackageFiles(qv::ExtractFileDir(qv::platform::ExecutablePath()));
+  files.insert(files.end(), settings.Packages.begin(), settings.Packages.end());
+  return files;
+}
+
+int THostSession::ListActions() {
+  FOut << DescribeRegistrations(FServices, FDesignTime) << std::flush;
+  return kExitSuccess;
+}
+
+TRunner& THostSession::NewRunner() {
+  FEnv.reset(new TRunEnvironment{*FLog, FExpander, *FVault, {}, NewHostProcess});
+  FRunner = std::make_unique<TRunner>(FServices, *FEnv, FClock);
+  FActiveRunner = FRunner.get();
+  if (FStopRequested) FRunner->RequestStop();
+  return *FRunner;
+}
+
+void THostSession::RequestStop() {
+  FStopRequested = true;
+  if (TRunner* runner = FActiveRunner.load()) runner->RequestStop();
+}
+
+int THostSession::RunProject(const std::string& fileName) {
+  FProject = TProjectFile::Load(fileName);
+  TRunner& runner = NewRunner();
+  runner.LoadProject(*FProject);
+  return RunAndSave(runner, FProject.get());
+}
+
+int THostSession::ExecAction(const std::string& type, const std::vector<std::string>& assignments) {
+  const TActionRegistration* registration = FServices.FindAction(type);
+  if (!registration) throw qv::Exception("Unknown action type \"" + type + "\"");
+  TRunner& runner = NewRunner();
+  TActionInstance& action = runner.AddAction(*registration);
+  for (const auto& assignment : assignments)
+    ApplyAssignment(*action.Action, assignment);
+  return RunAndSave(runner, nullptr);
+}
+
+// Saving happens whether or not the build succeeded: numbers a failed build already stamped
+// into files must not be handed out again.
+int THostSession::RunAndSave(TRunner& runner, TProjectFile* project) {
+  bool ok = runner.Run();
+  bool saved = true;
+  try {
+    if (project) {
+      runner.CollectChanges(*project);
+      project->SaveChanges();
+    }
+    FServices.SaveModifiedOptions(*FStore);
+  } catch (const std::exception& e) {
+    FLog->Message(e.what(), qv::TStatusTag::Error);
+    saved = false;
+  }
+  FLog->RunEnd(ok, runner.ActionsRun(), runner.ActionsFailed(), runner.Seconds());
+  return ok && saved ? kExitSuccess : kExitBuildFailed;
+}
+
+void ApplyAssignment(qv::TQvPersistent& action, std::string_view assignment) {
+  size_t eq = assignment.find('=');
+  if (eq == std::string_view::npos || eq == 0)
+    throw qv::Exception("Expected NAME=VALUE or NAME+=LINE, not \"" + std::string(assignment) +
+                        "\"");
+  bool append = assignment[eq - 1] == '+';
+  std::string name = qv::Trim(assignment.substr(0, append ? eq - 1 : eq));
+  std::string value(assignment.substr(eq + 1));
+  const qv::TPropDescriptor* d = action.GetPropertyTable().Find(name);
+  if (d && d->Type == qv::TPropType::StringList) {
+    if (append) {
+      qv::TStringList lines;
+      lines.SetText(action.GetPropValue(name));
+      lines.Add(value);
+      value = lines.Text();
+    } else {
+      value = qv::StringReplaceAll(value, "\\n", "\r\n");
+    }
+  } else if (append && d) {
+    throw qv::Exception(name + "+= adds a line to a string list, and " + name + " is not one");
+  }
+  action.SetPropValue(name, value);
+}
+
+}  // namespace qvhost

@@ -1,0 +1,184 @@
+#include <fcntl.h>
+#include <poll.h>
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <chrono>
+#include <cstring>
+#include <functional>
+#include <optional>
+#include <thread>
+#include <vector>
+
+#include "ProcessRunner.h"
+#include "QvExceptions.h"
+
+namespace qvhost {
+
+namespace {
+
+constexpr int kPollMs = 50;  // how often a waiting run looks at the terminate event
+constexpr auto kTerminateGrace = std::chrono::milliseconds(1000);
+
+// Owns a file descriptor.
+struct TFd {
+  int Fd = -1;
+  TFd() = default;
+  explicit TFd(int fd) : Fd(fd) {}
+  TFd(const TFd&) = delete;
+  TFd& operator=(const TFd&) = delete;
+  ~TFd() { Close(); }
+  void Close() {
+    if (Fd >= 0) close(Fd);
+    Fd = -1;
+  }
+};
+
+struct TPipe {
+  TFd Read, Write;
+  TPipe() {
+    int fds[2];
+    if (pipe2(fds, O_CLOEXEC) != 0)
+      throw qv::Exception(std::string("Cannot create a pipe : ") + std::strerror(errno));
+    Read.Fd = fds[0];
+    Write.Fd = fds[1];
+  }
+};
+
+// In the child between fork and exec: only async-signal-safe calls. A failure is reported
+// through `status` as an errno value.
+[[noreturn]] void StartChild(char* const* argv, const char* dir, int devNull, int out, int err,
+                             int status) {
+  setsid();  // no controlling terminal, and a process group of its own to stop as a whole
+  struct sigaction dfl {};
+  dfl.sa_handler = SIG_DFL;
+  for (int sig : {SIGINT, SIGTERM, SIGPIPE, SIGCHLD})
+    sigaction(sig, &dfl, nullptr);
+  sigset_t none;
+  sigemptyset(&none);
+  sigprocmask(SIG_SETMASK, &none, nullptr);
+  if ((dir && chdir(dir) != 0) || dup2(devNull, 0) < 0 || dup2(out, 1) < 0 || dup2(err, 2) < 0) {
+    int e = errno;
+    [[maybe_unused]] ssize_t n = write(status, &e, sizeof e);
+    _exit(127);
+  }
+  execvp(argv[0], argv);
+  int e = errno;
+  [[maybe_unused]] ssize_t n = write(status, &e, sizeof e);
+  _exit(127);
+}
+
+int WaitBlocking(pid_t pid) {
+  int status = 0;
+  while (waitpid(pid, &status, 0) < 0 && errno == EINTR) {
+  }
+  return status;
+}
+
+// SIGTERM to the whole group, SIGKILL after a grace period; returns once the child is reaped.
+void StopGroup(pid_t pid) {
+  kill(-pid, SIGTERM);
+  auto deadline = std::chrono::steady_clock::now() + kTerminateGrace;
+  int status = 0;
+  while (waitpid(pid, &status, WNOHANG) == 0) {
+    if (std::chrono::steady_clock::now() >= deadline) {
+      kill(-pid, SIGKILL);
+      WaitBlocking(pid);
+      break;
+    }
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
+  }
+  kill(-pid, SIGKILL);  // whatever of the group outlived the child
+}
+
+using TDeliver = std::function<void(bool stdErr, std::string_view chunk)>;
+
+// Reads what one pipe has; false when it has nothing now. At the end of the stream (or on an
+// error) `fd` becomes -1; its owner closes it.
+bool ReadChunk(int& fd, bool stdErr, const TDeliver& deliver) {
+  char buf[65536];
+  ssize_t n = read(fd, buf, sizeof buf);
+  if (n > 0) {
+    deliver(stdErr, std::string_view(buf, static_cast<size_t>(n)));
+    return true;
+  }
+  if (n < 0 && (errno == EINTR || errno == EAGAIN)) return false;
+  fd = -1;
+  return false;
+}
+
+// Delivers output until the child ends and returns its wait status, or nullopt when
+// `terminate` asked for it to be stopped. Once the child has ended, what is still buffered in
+// the pipes is read; descendants that keep the pipes open are not waited for.
+std::optional<int> Pump(pid_t pid, int outFd, int errFd, const TDeliver& deliver,
+                        const std::function<bool()>& terminate) {
+  for (int fd : {outFd, errFd})
+    fcntl(fd, F_SETFL, fcntl(fd, F_GETFL) | O_NONBLOCK);
+  pollfd fds[2] = {{outFd, POLLIN, 0}, {errFd, POLLIN, 0}};
+  int status = 0;
+  for (;;) {
+    if (poll(fds, 2, kPollMs) > 0)
+      for (int i = 0; i < 2; ++i)
+        if (fds[i].fd >= 0 && (fds[i].revents & (POLLIN | POLLHUP | POLLERR)))
+          ReadChunk(fds[i].fd, i == 1, deliver);
+    if (terminate()) {
+      StopGroup(pid);
+      return std::nullopt;
+    }
+    pid_t done = waitpid(pid, &status, WNOHANG);
+    if (done == pid || (done < 0 && errno == ECHILD)) break;
+  }
+  for (int i = 0; i < 2; ++i)
+    while (fds[i].fd >= 0 && ReadChunk(fds[i].fd, i == 1, deliver)) {
+    }
+  return status;
+}
+
+}  // namespace
+
+int THostProcess::Run() {
+  FExitCode = 0;
+  FCleanExit = false;
+  std::vector<std::string> args = qv::SplitCommandLine(FParameters);
+  args.insert(args.begin(), FExecutable);
+  std::vector<char*> argv;
+  for (auto& a : args)
+    argv.push_back(a.data());
+  argv.push_back(nullptr);
+
+  TFd devNull(open("/dev/null", O_RDWR | O_CLOEXEC));
+  TPipe out, err, status;
+  const char* dir = FStartingDir.empty() ? nullptr : FStartingDir.c_str();
+  pid_t pid = fork();
+  if (pid < 0) throw qv::Exception("Cannot run \"" + FExecutable + "\" : " + std::strerror(errno));
+  if (pid == 0)
+    StartChild(argv.data(), dir, devNull.Fd, FCapture ? out.Write.Fd : devNull.Fd,
+               FCapture ? err.Write.Fd : devNull.Fd, status.Write.Fd);
+  out.Write.Close();
+  err.Write.Close();
+  status.Write.Close();
+
+  int childErrno = 0;
+  ssize_t n;
+  while ((n = read(status.Read.Fd, &childErrno, sizeof childErrno)) < 0 && errno == EINTR) {
+  }
+  if (n == sizeof childErrno) {
+    WaitBlocking(pid);
+    throw qv::Exception("Cannot run \"" + FExecutable + "\" : " + std::strerror(childErrno));
+  }
+  std::optional<int> wait = Pump(
+      pid, out.Read.Fd, err.Read.Fd,
+      [this](bool stdErr, std::string_view chunk) { Deliver(stdErr, chunk); },
+      [this] { return TerminateRequested(); });
+  if (!wait) {
+    FExitCode = qv::kTerminatedExitCode;
+    return FExitCode;
+  }
+  FCleanExit = WIFEXITED(*wait);
+  FExitCode = WIFEXITED(*wait) ? WEXITSTATUS(*wait) : 128 + WTERMSIG(*wait);
+  return FExitCode;
+}
+
+}  // namespace qvhost

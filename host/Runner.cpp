@@ -1,0 +1,228 @@
+#include "Runner.h"
+
+#include <chrono>
+
+#include "Expander.h"
+#include "LogSink.h"
+#include "QvExceptions.h"
+
+namespace qvhost {
+
+using qv::TStatusTag;
+
+void TActionDeleter::operator()(qv::TCustomQvAction* action) const {
+  delete action;
+}
+
+namespace {
+
+class TValidationErrors : public qv::TInterfacedObject, public qv::IQvActionValidationError {
+ public:
+  void AddError(const std::string& section, const std::string& message, qv::IInterface*) override {
+    Lines.push_back(section + ": " + message);
+  }
+  std::vector<std::string> Lines;
+
+ protected:
+  void* GetInterface(const qv::TGUID& iid) override {
+    if (void* p = qv::QueryInterfaceList<qv::IQvActionValidationError>(this, iid)) return p;
+    return TInterfacedObject::GetInterface(iid);
+  }
+};
+
+// Pops the loop variable however the iteration ends.
+struct TLoopVariableScope {
+  TExpander& Expander;
+  bool Active;
+  ~TLoopVariableScope() {
+    if (Active) Expander.PopLoopVariable();
+  }
+};
+
+}  // namespace
+
+TRunner::TRunner(const THostServices& services, TRunEnvironment& env, TClock clock)
+    : FServices(services), FEnv(env), FClock(std::move(clock)) {}
+
+TRunner::~TRunner() = default;
+
+double TRunner::SteadyClock() {
+  using namespace std::chrono;
+  return duration<double>(steady_clock::now().time_since_epoch()).count();
+}
+
+// ---- creating the actions -----------------------------------------------------------------
+
+TActionInstance TRunner::Create(const TActionRegistration& type) {
+  TActionInstance a;
+  a.TypeName = std::string(type.Class->ClassName);
+  a.Caption = type.Caption;
+  a.Action.reset(type.Class->Create());
+  a.Context = qv::IntfPtr<TActionContext>(new TActionContext(FEnv));
+  a.Action->BindContext(qv::IntfPtr<qv::IQvActionContext>(a.Context.Get()));
+  return a;
+}
+
+TActionInstance& TRunner::AddAction(const TActionRegistration& type) {
+  FActions.push_back(Create(type));
+  return FActions.back();
+}
+
+void TRunner::LoadProject(const TProjectFile& file) {
+  for (const auto& v : file.Variables())
+    FEnv.Expander.SetProjectVariable(v.Name, v.Value);
+  for (const auto& set : file.PropertySets()) {
+    qv::IntfPtr<THostPropertySet> ps(new THostPropertySet(set.Name, set.Node));
+    for (const auto& p : set.Properties)
+      ps->LoadValue(p.Name, p.Value);
+    FEnv.PropertySets.push_back(ps);
+  }
+  for (const auto& source : file.Actions())
+    CreateFromProject(file, source, FActions);
+}
+
+// Disabled actions are not created: their package may well be missing on this machine.
+void TRunner::CreateFromProject(const TProjectFile& file, const TProjectAction& source,
+                                std::vector<TActionInstance>& into) {
+  if (!source.Enabled) return;
+  const TActionRegistration* type = FServices.FindAction(source.Type);
+  if (!type)
+    throw qv::Exception(file.Where(source.Node) + ": Unknown action type \"" + source.Type + "\"");
+  TActionInstance a = Create(*type);
+  a.Source = &source;
+  if (!source.Caption.empty()) a.Caption = source.Caption;
+  for (const auto& p : source.Properties) {
+    try {
+      a.Action->SetPropValue(p.Name, p.Value);
+    } catch (const qv::Exception& e) {
+      throw qv::Exception(file.Where(p.Node) + ": " + e.what());
+    }
+  }
+  if (source.HasNestedActions && !dynamic_cast<qv::TQvBaseIterator*>(a.Action.get()))
+    throw qv::Exception(file.Where(source.Node) + ": " + a.TypeName +
+                        " is not a loop action and cannot hold nested actions");
+  for (const auto& child : source.Actions)
+    CreateFromProject(file, child, a.Children);
+  into.push_back(std::move(a));
+}
+
+// ---- running -------------------------------------------------------------------------------
+
+bool TRunner::Run() {
+  double start = FClock();
+  bool ok = RunList(FActions);
+  FSeconds = FClock() - start;
+  return ok;
+}
+
+void TRunner::RequestStop() {
+  FStop = true;
+  qv::TCustomQvAction* current = FCurrent.load();
+  if (current && current->CanTerminate()) current->TerminateAction();
+}
+
+bool TRunner::RunList(std::vector<TActionInstance>& list) {
+  for (auto& a : list) {
+    if (FStop) {
+      FEnv.Log.Message("The build was stopped by the user.", TStatusTag::Error);
+      return false;
+    }
+    if (!RunOne(a)) return false;
+  }
+  return true;
+}
+
+bool TRunner::RunOne(TActionInstance& a) {
+  ++FRun;
+  FEnv.Log.ActionStart(a.TypeName, a.Caption);
+  double start = FClock();
+  a.Context->BeginRun();
+  bool ok = Validate(a) && Guarded([&] {
+              if (auto* loop = dynamic_cast<qv::TQvBaseIterator*>(a.Action.get()))
+                return RunLoop(a, *loop);
+              return RunAs(*a.Action, [&] { return a.Action->Execute(); });
+            });
+  // A failed step inside a message group closes the group as failed.
+  FEnv.Log.CloseGroupsTo(a.Context->BaseDepth(),
+                         ok ? std::nullopt : std::optional<TStatusTag>(TStatusTag::Error));
+  if (!ok) ++FFailed;
+  FEnv.Log.ActionEnd(ok, FClock() - start);
+  return ok;
+}
+
+bool TRunner::Validate(TActionInstance& a) {
+  qv::IntfPtr<TValidationErrors> errors(new TValidationErrors);
+  bool valid = Guarded([&] { return a.Action->Validate(errors.Get()); });
+  for (const auto& line : errors->Lines)
+    FEnv.Log.Message(line, TStatusTag::Error);
+  if (!valid && errors->Lines.empty())
+    FEnv.Log.Message(a.Caption + ": the action's settings are not valid", TStatusTag::Error);
+  return valid && errors->Lines.empty();
+}
+
+bool TRunner::Guarded(const std::function<bool()>& step) {
+  try {
+    return step();
+  } catch (const std::exception& e) {
+    FEnv.Log.Message(e.what(), TStatusTag::Error);
+  } catch (...) {
+    FEnv.Log.Message("The action raised an exception the host does not know", TStatusTag::Error);
+  }
+  return false;
+}
+
+// Marks `action` as the one a stop request terminates while `step` runs.
+bool TRunner::RunAs(qv::TCustomQvAction& action, const std::function<bool()>& step) {
+  qv::TCustomQvAction* outer = FCurrent.exchange(&action);
+  struct TRestore {
+    std::atomic<qv::TCustomQvAction*>& Current;
+    qv::TCustomQvAction* Outer;
+    ~TRestore() { Current = Outer; }
+  } restore{FCurrent, outer};
+  if (FStop && action.CanTerminate()) action.TerminateAction();
+  return step();
+}
+
+bool TRunner::RunLoop(TActionInstance& a, qv::TQvBaseIterator& loop) {
+  if (!RunAs(loop, [&] { return loop.BeforeFirstIteration(); })) return false;
+  int count = loop.GetIterationCount();
+  for (int i = 1; i <= count; ++i) {
+    loop.SetCurrentIteration(i);
+    std::string value = loop.GetCurrentValue();
+    std::string var = loop.GetVariableName();
+    std::string title = "Iteration " + std::to_string(i) + " of " + std::to_string(count);
+    if (!var.empty()) title += ": " + var + " = " + value;
+    FEnv.Log.GroupStart(title, 0, TStatusTag::Plain);
+    if (!var.empty()) FEnv.Expander.PushLoopVariable(var, value);
+    TLoopVariableScope scope{FEnv.Expander, !var.empty()};
+    bool ok = RunList(a.Children);
+    FEnv.Log.GroupEnd(ok ? std::nullopt : std::optional<TStatusTag>(TStatusTag::Error));
+    if (!ok) return false;
+  }
+  return true;
+}
+
+// ---- saving back ---------------------------------------------------------------------------
+
+void TRunner::CollectChanges(TProjectFile& file) const {
+  Collect(FActions, file);
+  for (const auto& set : FEnv.PropertySets)
+    for (const auto& name : set->ChangedNames())
+      file.SetProperty(set->Node(), name, set->GetValue(name), false);
+}
+
+void TRunner::Collect(const std::vector<TActionInstance>& list, TProjectFile& file) const {
+  for (const auto& a : list) {
+    if (!a.Source) continue;
+    for (const auto& name : a.Context->DynamicProperties()) {
+      const qv::TPropDescriptor* d = a.Action->GetPropertyTable().Find(name);
+      if (!d) continue;
+      file.SetProperty(a.Source->Node, std::string(d->Name),
+                       qv::TQvPersistent::GetPropText(*a.Action, *d),
+                       d->Type == qv::TPropType::StringList);
+    }
+    Collect(a.Children, file);
+  }
+}
+
+}  // namespace qvhost

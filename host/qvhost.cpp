@@ -1,0 +1,118 @@
+// qvhost: the reference host. Loads the package modules, then lists what they registered,
+// runs a project's build process, or runs one action.
+//   qvhost [OPTIONS] actions | run PROJECT | exec TYPE [NAME=VALUE | NAME+=LINE]...
+// Exit status: 0 success, 1 a build step failed, 2 bad usage or unreadable input.
+#include <CLI/CLI.hpp>
+
+#include <iostream>
+
+#include "DotNetInfo.h"
+#include "HostPlatform.h"
+#include "HostSession.h"
+#include "QvPlatform.h"
+#include "QvSysUtils.h"
+
+namespace {
+
+using TPairs = std::vector<std::pair<std::string, std::string>>;
+
+// Splits "NAME=VALUE" items; false (with the culprit in `bad`) when one has no name.
+bool SplitPairs(const std::vector<std::string>& items, TPairs& pairs, std::string& bad) {
+  for (const auto& item : items) {
+    size_t eq = item.find('=');
+    if (eq == std::string::npos || eq == 0) {
+      bad = item;
+      return false;
+    }
+    pairs.emplace_back(item.substr(0, eq), item.substr(eq + 1));
+  }
+  return true;
+}
+
+struct TCommandLine {
+  qvhost::THostSettings Settings;
+  std::vector<std::string> Vars, Frameworks;
+  std::string LogFormat = "text";
+  bool NoColour = false, NoDefaultPackages = false;
+  std::string Project, Type;
+  std::vector<std::string> Assignments;
+};
+
+void AddGlobalOptions(CLI::App& app, TCommandLine& cl) {
+  auto& s = cl.Settings;
+  app.add_option("--options", s.OptionsFile, "Options store to use instead of the per-user one")
+      ->type_name("FILE");
+  app.add_option("--registry", s.RegistryFile,
+                 "Registry export (.reg) that stands in for the Windows registry "
+                 "(default: $QV_REGISTRY)")
+      ->type_name("FILE");
+  app.add_option("--var", cl.Vars, "Sets a variable, over the project's and the environment's")
+      ->type_name("NAME=VALUE")
+      ->allow_extra_args(false);
+  app.add_option("--log-format", cl.LogFormat, "Log as indented text or as JSON lines")
+      ->check(CLI::IsMember({"text", "jsonl"}));
+  app.add_option("--package", s.Packages, "Loads this package module as well")
+      ->type_name("FILE")
+      ->allow_extra_args(false);
+  app.add_flag("--no-default-packages", cl.NoDefaultPackages,
+               "Loads only the --package modules, not the *.qvp files beside qvhost");
+  app.add_flag("--design-time", s.DesignTime,
+               "Registers packages as a host with a user interface would");
+  app.add_flag("--no-color", cl.NoColour, "Marks statuses in text instead of colour");
+  app.add_option("--framework", cl.Frameworks, "Where a .NET framework version is installed")
+      ->type_name("VERSION=FOLDER")
+      ->allow_extra_args(false);
+}
+
+int Run(CLI::App& app, TCommandLine& cl) {
+  auto& s = cl.Settings;
+  std::string bad;
+  if (!SplitPairs(cl.Vars, s.Variables, bad) || !SplitPairs(cl.Frameworks, s.Frameworks, bad)) {
+    std::cerr << "qvhost: expected NAME=VALUE, not \"" << bad << "\"\n";
+    return qvhost::kExitBadInput;
+  }
+  s.DefaultPackages = !cl.NoDefaultPackages;
+  s.FallbackFramework =
+      qvhost::MonoLauncherFolder(qv::ExtractFileDir(qv::platform::ExecutablePath()));
+  s.LogFormat = cl.LogFormat == "jsonl" ? qvhost::TLogFormat::JsonLines : qvhost::TLogFormat::Text;
+  s.Colour = s.LogFormat == qvhost::TLogFormat::Text && qvhost::UseColour(cl.NoColour);
+  try {
+    qvhost::THostSession session(s, std::cout);
+    qvhost::platform::TInterruptWatcher watcher([&session] { session.RequestStop(); });
+    if (app.got_subcommand("run")) return session.RunProject(cl.Project);
+    if (app.got_subcommand("exec")) return session.ExecAction(cl.Type, cl.Assignments);
+    return session.ListActions();
+  } catch (const std::exception& e) {
+    std::cout.flush();
+    std::cerr << "qvhost: " << e.what() << "\n";
+    return qvhost::kExitBadInput;
+  }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  CLI::App app{"The Quorvex reference host: runs build processes with plug-in packages.", "qvhost"};
+  app.set_version_flag("--version", "qvhost " QV_HOST_VERSION);
+  app.footer(
+      "Global options may follow the command word too.\n"
+      "Exit status: 0 success, 1 a build step failed, 2 bad usage or unreadable input.");
+  TCommandLine cl;
+  AddGlobalOptions(app, cl);
+  app.fallthrough();
+  app.require_subcommand(1);
+  app.add_subcommand("actions", "Lists what the loaded packages registered");
+  CLI::App* run = app.add_subcommand("run", "Runs the build process of a project file");
+  run->add_option("PROJECT", cl.Project, "The project file")->required();
+  CLI::App* exec = app.add_subcommand("exec", "Runs one action with the given property values");
+  exec->add_option("TYPE", cl.Type, "The action's class name or caption")->required();
+  exec->add_option("ASSIGNMENT", cl.Assignments,
+                   "NAME=VALUE sets a property (\\n separates list lines); NAME+=LINE adds a "
+                   "line to a list");
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& e) {
+    return app.exit(e) == 0 ? qvhost::kExitSuccess : qvhost::kExitBadInput;
+  }
+  return Run(app, cl);
+}

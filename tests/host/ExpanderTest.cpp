@@ -1,0 +1,56 @@
+#include "Expander.h"
+
+#include <gtest/gtest.h>
+
+#include "QvExceptions.h"
+
+using qvhost::TExpander;
+
+namespace {
+
+std::string Expanded(const TExpander& e, const std::string& text) {
+  try {
+    return e.Expand(text);
+  } catch (const qv::Exception& ex) {
+    return std::string("error: ") + ex.what();
+  }
+}
+
+TEST(TExpander, CommandLineOverProjectOverEnvironment) {
+  TExpander e([](const std::string& name) -> std::optional<std::string> {
+    if (name == "HOME" || name == "Config" || name == "Target") return "env-" + name;
+    return std::nullopt;
+  });
+  e.SetProjectVariable("Config", "Debug");
+  e.SetProjectVariable("Target", "x86");
+  e.SetOverride("CONFIG", "Release");
+  e.SetProjectVariable("Target", "x64");  // a later definition replaces the earlier one
+  struct Case {
+    const char* text;
+    const char* expected;
+  } cases[] = {
+      {"%Config%", "Release"},
+      {"%config%|%TARGET%|%HOME%", "Release|x64|env-HOME"},
+      {"100%% of %Target%", "100% of x64"},
+      {"50% done, %not a name%", "50% done, %not a name%"},
+      {"%Missing%", "error: Variable \"Missing\" is not defined"},
+      {"%home%", "error: Variable \"home\" is not defined"},  // the environment is exact
+  };
+  for (const auto& c : cases)
+    EXPECT_EQ(Expanded(e, c.text), c.expected) << c.text;
+  EXPECT_EQ(e.VariableNames(), (std::vector<std::string>{"CONFIG", "Target"}));
+}
+
+TEST(TExpander, LoopVariablesWinWhileTheirIterationLasts) {
+  TExpander e([](const std::string&) { return std::nullopt; });
+  e.SetOverride("Item", "cli");
+  e.PushLoopVariable("Item", "outer");
+  e.PushLoopVariable("item", "inner");
+  EXPECT_EQ(Expanded(e, "%Item%"), "inner");
+  e.PopLoopVariable();
+  EXPECT_EQ(Expanded(e, "%Item%"), "outer");
+  e.PopLoopVariable();
+  EXPECT_EQ(Expanded(e, "%Item%"), "cli");
+}
+
+}  // namespace

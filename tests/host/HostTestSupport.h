@@ -1,0 +1,34 @@
+// What the host's tests share: a host session over the package of test actions, runs of the
+// qvhost executable, and logs made comparable.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <sstream>
+#include <string>
+
+#include "HostSession.h"
+#include "support/RunCommand.h"
+#include "support/TempDir.h"
+
+namespace qvhosttest {
+
+// A session with only the test package loaded, its options store, key file and registry
+// stand-in in `dir` (options.xml, key, registry.reg when present), logging text without colour
+// into Out, and a clock that stands still (every action takes "0.000 s").
+struct TestHost {
+  explicit TestHost(const qvtest::TempDir& dir,
+                    const std::function<void(qvhost::THostSettings&)>& adjust = {});
+  std::ostringstream Out;
+  std::unique_ptr<qvhost::THostSession> Session;
+};
+
+// Runs qvhost with only the test package, its per-user folder inside `dir`, NO_COLOR set and
+// `dir` as working folder; `env` holds extra NAME=VALUE assignments for its environment.
+qvtest::CommandResult RunQvhost(const qvtest::TempDir& dir, const std::string& args,
+                                const std::string& env = "");
+
+// The log with every elapsed time ("in 1.234 s") written as "in T s".
+std::string WithoutTimes(std::string_view log);
+
+}  // namespace qvhosttest

@@ -1,0 +1,166 @@
+#include "ProjectFile.h"
+
+#include <gtest/gtest.h>
+
+#include "QvExceptions.h"
+#include "support/TempDir.h"
+
+using qvhost::TProjectFile;
+using qvtest::TempDir;
+
+namespace {
+
+std::string LoadError(const TempDir& dir, const std::string& text) {
+  std::string file = dir.Write("p.qvproj", text);
+  try {
+    TProjectFile::Load(file);
+  } catch (const qv::Exception& e) {
+    std::string message = e.what();
+    return message.starts_with(file) ? "FILE" + message.substr(file.size()) : message;
+  }
+  return "(loaded)";
+}
+
+TEST(TProjectFile, ReadsVariablesPropertySetsAndNestedActions) {
+  TempDir dir;
+  auto project = TProjectFile::Load(dir.Write(
+      "p.qvproj",
+      "<QvProject>\n"
+      "  <Variables><Variable name='A' value='1'/><Variable name='B'>two &amp; more</Variable>"
+      "</Variables>\n"
+      "  <PropertySets><PropertySet name='Win32'><Property name='Major' value='3'/>"
+      "</PropertySet></PropertySets>\n"
+      "  <Actions>\n"
+      "    <Action type='TLoop' caption='Loop' enabled='False'>\n"
+      "      <Property name='Items'>\n        <Line>a</Line>\n        <Line/>\n      </Property>\n"
+      "      <Actions><Action type='TInner'><Property name='S'> x </Property></Action></Actions>\n"
+      "    </Action>\n"
+      "  </Actions>\n"
+      "</QvProject>\n"));
+  ASSERT_EQ(project->Variables().size(), 2u);
+  EXPECT_EQ(project->Variables()[1].Value, "two & more");
+  ASSERT_EQ(project->PropertySets().size(), 1u);
+  EXPECT_EQ(project->PropertySets()[0].Properties[0].Value, "3");
+  const auto& loop = project->Actions().at(0);
+  EXPECT_FALSE(loop.Enabled);
+  EXPECT_TRUE(loop.HasNestedActions);
+  EXPECT_TRUE(loop.Properties.at(0).IsList);
+  EXPECT_EQ(loop.Properties.at(0).Value, "a\r\n\r\n");
+  EXPECT_EQ(loop.Actions.at(0).Properties.at(0).Value, " x ");
+  EXPECT_EQ(project->Where(loop.Actions.at(0).Node), project->FileName() + ":10");
+}
+
+TEST(TProjectFile, ReportsAMalformedFileWithItsLine) {
+  struct Case {
+    const char* text;
+    const char* error;
+  } cases[] = {
+      {"<QvProject>\n<Actions>\n</QvProject>", "FILE:3: Start-end tags mismatch"},
+      {"<QvProject>\n  <Action type='x'/>\n</QvProject>",
+       "FILE:2: Unexpected element <Action> in <QvProject>"},
+      {"<Project/>", "FILE:1: The root element is <Project>, not <QvProject>"},
+      {"<!-- nothing -->", "FILE:1: No document element found"},
+      {"<QvProject><Actions>\n\n<Action/></Actions></QvProject>",
+       "FILE:3: An <Action> needs a type"},
+      {"<QvProject><Actions><Action type='x' enabled='yes'/></Actions></QvProject>",
+       "FILE:1: enabled must be true or false, not \"yes\""},
+      {"<QvProject><Actions><Action type='x'>\n<Property name='P' value='1'>2</Property>"
+       "</Action></Actions></QvProject>",
+       "FILE:2: Property \"P\" has both a value attribute and content"},
+      {"<QvProject><Actions><Action type='x'><Property name='P'>a<Line>b</Line></Property>"
+       "</Action></Actions></QvProject>",
+       "FILE:1: Property \"P\" mixes <Line> elements and text"},
+      {"<QvProject><Variables>\n<Variable value='1'/></Variables></QvProject>",
+       "FILE:2: A <Variable> needs a name"},
+      {"<QvProject>stray</QvProject>", "FILE:1: Unexpected text in <QvProject>"},
+  };
+  TempDir dir;
+  for (const auto& c : cases)
+    EXPECT_EQ(LoadError(dir, c.text), c.error) << c.text;
+  EXPECT_EQ(LoadError(dir, std::string("\xFF\xFE<\0", 4)),
+            "FILE:1: A project file must be UTF-8 text, not UTF-16");
+}
+
+// Each value form the file may use is rewritten in its own form; nothing else changes.
+TEST(TProjectFile, RewritesOnlyTheChangedValues) {
+  const std::string original =
+      "<QvProject>\n"
+      "  <Actions>\n"
+      "    <Action type='T'> <!-- first -->\n"
+      "      <Property name=\"Attr\" value=\"1\"/>\n"
+      "      <Property name=\"Text\">old <!-- kept --></Property>\n"
+      "      <Property name=\"Empty\"/>\n"
+      "      <Property name=\"List\"><Line>a</Line></Property>\n"
+      "      <Property name=\"Same\">same</Property>\n"
+      "    </Action>\n"
+      "    <Action type='U'/>\n"
+      "  </Actions>\n"
+      "</QvProject>\n";
+  TempDir dir;
+  std::string file = dir.Write("p.qvproj", original);
+  auto project = TProjectFile::Load(file);
+  auto first = project->Actions()[0].Node, second = project->Actions()[1].Node;
+  project->SetProperty(first, "attr", "2 & \"3\"", false);
+  project->SetProperty(first, "Text", "new <value>", false);
+  project->SetProperty(first, "Empty", "filled", false);
+  project->SetProperty(first, "List", "b\r\nc\r\n", true);
+  project->SetProperty(first, "Same", "same", false);
+  project->SetProperty(first, "Added", "x", false);
+  project->SetProperty(first, "Added2", "y", false);
+  project->SetProperty(second, "Counter", "7", false);
+  EXPECT_TRUE(project->SaveChanges());
+  EXPECT_EQ(TempDir::Read(file),
+            "<QvProject>\n"
+            "  <Actions>\n"
+            "    <Action type='T'> <!-- first -->\n"
+            "      <Property name=\"Attr\" value=\"2 &amp; &quot;3&quot;\"/>\n"
+            "      <Property name=\"Text\">new &lt;value&gt;<!-- kept --></Property>\n"
+            "      <Property name=\"Empty\">filled</Property>\n"
+            "      <Property name=\"List\">\n"
+            "        <Line>b</Line>\n"
+            "        <Line>c</Line>\n"
+            "      </Property>\n"
+            "      <Property name=\"Same\">same</Property>\n"
+            "      <Property name=\"Added\">x</Property>\n"
+            "      <Property name=\"Added2\">y</Property>\n"
+            "    </Action>\n"
+            "    <Action type='U'>\n"
+            "      <Property name=\"Counter\">7</Property>\n"
+            "    </Action>\n"
+            "  </Actions>\n"
+            "</QvProject>\n");
+  auto reloaded = TProjectFile::Load(file);
+  EXPECT_EQ(reloaded->Actions()[0].Properties[0].Value, "2 & \"3\"");
+  EXPECT_EQ(reloaded->Actions()[0].Properties[1].Value, "new <value>");
+}
+
+TEST(TProjectFile, LeavesTheFileAloneWithoutChanges) {
+  TempDir dir;
+  std::string text =
+      "<QvProject><Actions><Action type='T'><Property name='N' value='1'/>"
+      "</Action></Actions></QvProject>";
+  std::string file = dir.Write("p.qvproj", text);
+  auto project = TProjectFile::Load(file);
+  project->SetProperty(project->Actions()[0].Node, "N", "1", false);
+  project->SetProperty(project->Actions()[0].Node, "Missing", "", false);
+  EXPECT_FALSE(project->SaveChanges());
+}
+
+TEST(TProjectFile, RefusesToOverwriteAFileChangedDuringTheRun) {
+  TempDir dir;
+  std::string file =
+      dir.Write("p.qvproj", "<QvProject><Actions><Action type='T'/></Actions></QvProject>");
+  auto project = TProjectFile::Load(file);
+  project->SetProperty(project->Actions()[0].Node, "N", "2", false);
+  dir.Write("p.qvproj", "<QvProject/>");
+  try {
+    project->SaveChanges();
+    ADD_FAILURE() << "saved";
+  } catch (const qv::Exception& e) {
+    EXPECT_EQ(e.what(), "Project file \"" + file +
+                            "\" changed on disk during the run; its new values were not saved");
+  }
+  EXPECT_EQ(TempDir::Read(file), "<QvProject/>");
+}
+
+}  // namespace

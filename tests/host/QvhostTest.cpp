@@ -1,0 +1,201 @@
+// qvhost as people and scripts use it: its commands, output and exit statuses.
+#include <sys/stat.h>
+
+#include <chrono>
+
+#include <gtest/gtest.h>
+
+#include "HostTestSupport.h"
+#include "QvSysUtils.h"
+
+using qvhosttest::RunQvhost;
+using qvhosttest::WithoutTimes;
+using qvtest::ShellQuote;
+using qvtest::TempDir;
+
+namespace {
+
+const char* kLogProject =
+    "<QvProject>\n"
+    "  <Variables><Variable name='Config' value='Debug'/></Variables>\n"
+    "  <Actions>\n"
+    "    <Action type='Log Messages' caption='Say it'>\n"
+    "      <Property name='Text'>Building %Config% for %QVTEST_USER%</Property>\n"
+    "      <Property name='Details'><Line>one</Line></Property>\n"
+    "      <Property name='Warnings' value='1'/>\n"
+    "    </Action>\n"
+    "  </Actions>\n"
+    "</QvProject>\n";
+
+TEST(Qvhost, ExitStatusSaysWhatWentWrong) {
+  TempDir dir;
+  dir.Write("ok.qvproj", kLogProject);
+  dir.Write("fail.qvproj", "<QvProject><Actions><Action type='Fail'/></Actions></QvProject>");
+  dir.Write("bad.qvproj", "<QvProject>\n<Actions>\n</QvProject>");
+  struct Case {
+    std::string args;
+    int exit;
+    std::string err;
+  } cases[] = {
+      {"run ok.qvproj", 0, ""},
+      {"run fail.qvproj", 1, ""},
+      {"run bad.qvproj", 2, "qvhost: bad.qvproj:3: Start-end tags mismatch\n"},
+      {"run none.qvproj", 2,
+       "qvhost: Cannot read project file \"none.qvproj\" : No such file or directory\n"},
+      {"exec 'No Such Action'", 2, "qvhost: Unknown action type \"No Such Action\"\n"},
+      {"exec Fail Mode=9", 2, "qvhost: Invalid value '9' for property \"Mode\"\n"},
+      {"--var Config actions", 2, "qvhost: expected NAME=VALUE, not \"Config\"\n"},
+      {"--package /nonexistent/x.qvp actions", 2, "*"},
+      {"--log-format xml actions", 2, "*"},
+      {"run", 2, "PROJECT is required\nRun with --help for more information.\n"},
+      {"", 2, "A subcommand is required\nRun with --help for more information.\n"},
+      {"build ok.qvproj", 2, "*"},
+  };
+  for (const auto& c : cases) {
+    auto r = RunQvhost(dir, c.args, "QVTEST_USER=ci");
+    EXPECT_EQ(r.exitCode, c.exit) << c.args << "\n" << r.out << r.err;
+    if (c.err != "*") {
+      EXPECT_EQ(r.err, c.err) << c.args;
+    }
+  }
+  auto version = RunQvhost(dir, "--version");
+  EXPECT_EQ(version.exitCode, 0);
+  EXPECT_EQ(version.out, "qvhost 0.1.0\n");
+  auto help = RunQvhost(dir, "--help");
+  EXPECT_EQ(help.exitCode, 0);
+  EXPECT_NE(help.out.find("--framework VERSION=FOLDER"), std::string::npos) << help.out;
+}
+
+TEST(Qvhost, ListsRegistrationsWithDesignTimeExtras) {
+  TempDir dir;
+  const std::string runTime =
+      "Actions:\n"
+      "  TQvTestLogAction  \"Log Messages\"  category \"Host Tests\"  icon TESTLOG\n"
+      "  TQvTestFailAction  \"Fail\"  category \"Host Tests\"  icon TESTFAIL\n"
+      "  TQvTestCounterAction  \"Count Builds\"  category \"Host Tests\"  icon TESTCOUNT\n"
+      "  TQvTestPasswordAction  \"Sign In\"  category \"Host Tests\"  icon TESTSIGNIN\n"
+      "  TQvTestLoopAction  \"Loop Over Items\"  category \"Host Tests\"  icon TESTLOOP\n"
+      "  TQvTestRunAction  \"Run Program\"  category \"Host Tests\"  icon TESTRUN\n"
+      "  TQvTestEnvironmentAction  \"Show Environment\"  category \"Host Tests\"  icon TESTENV\n"
+      "Script methods:\n"
+      "  TQvTestLogAction.Describe  function _Describe(const Prefix: string): string\n"
+      "Constants:\n"
+      "  TestAnswer = 42\n"
+      "Global objects:\n"
+      "  HostTestOptions  function HostTestOptions: Variant\n"
+      "Enumerations:\n"
+      "  TTestFailMode: fmFailAction, fmException, fmReturnFalse, fmUnknown\n"
+      "Options:\n"
+      "  TQvTestOptions  \"Host Test Options\"  category \"Host Tests\"  key QvHostTest  icon "
+      "TESTOPTIONS\n";
+  auto plain = RunQvhost(dir, "actions");
+  EXPECT_EQ(plain.exitCode, 0);
+  EXPECT_EQ(plain.out, runTime);
+
+  std::string designTime = qv::StringReplaceAll(runTime, "  TestAnswer = 42\n",
+                                                "  TestAnswer = 42\n  TestDesignLevel = 2\n") +
+                           "Property editors:\n"
+                           "  TQvTestLogAction.Text (string)  TTestTextEditor\n"
+                           "Action pages:\n"
+                           "  TQvTestLogAction: TTestLogFrame, TTestDetailsFrame\n"
+                           "  TQvTestLoopAction: TTestLoopFrame\n"
+                           "Option pages:\n"
+                           "  TQvTestOptions: TTestOptionsFrame\n";
+  // Global options go before or after the command word.
+  EXPECT_EQ(RunQvhost(dir, "--design-time actions").out, designTime);
+  EXPECT_EQ(RunQvhost(dir, "actions --design-time").out, designTime);
+}
+
+TEST(Qvhost, WritesJsonLinesAndExpandsVariablesByPrecedence) {
+  TempDir dir;
+  dir.Write("p.qvproj", kLogProject);
+  auto r = RunQvhost(dir, "run p.qvproj --log-format jsonl --var Config=Release",
+                     "QVTEST_USER=ci Config=FromEnvironment");
+  EXPECT_EQ(r.exitCode, 0) << r.err;
+  EXPECT_EQ(r.out,
+            "{\"event\":\"actionStart\",\"type\":\"TQvTestLogAction\",\"caption\":\"Say it\"}\n"
+            "{\"event\":\"message\",\"text\":\"Building Release for ci\",\"tag\":0,\"depth\":0}\n"
+            "{\"event\":\"groupStart\",\"title\":\"Details\",\"groupType\":1,\"tag\":0,"
+            "\"depth\":0}\n"
+            "{\"event\":\"message\",\"text\":\"one\",\"tag\":0,\"depth\":1}\n"
+            "{\"event\":\"groupEnd\",\"tag\":1,\"depth\":0}\n"
+            "{\"event\":\"message\",\"text\":\"Warning 1\",\"tag\":2,\"depth\":0}\n"
+            "{\"event\":\"metric\",\"group\":\"Compiler\",\"name\":\"Warnings\",\"value\":1}\n"
+            "{\"event\":\"metric\",\"group\":\"Compiler\",\"name\":\"Errors\",\"value\":0}\n"
+            "{\"event\":\"actionEnd\",\"success\":true}\n");
+  r = RunQvhost(dir, "--no-color run p.qvproj", "QVTEST_USER=ci");
+  EXPECT_EQ(WithoutTimes(r.out),
+            "Action: Say it (TQvTestLogAction)\n"
+            "  Building Debug for ci\n"
+            "  Details\n"
+            "    one\n"
+            "  [ok] Details\n"
+            "  [warn] Warning 1\n"
+            "[ok] Say it succeeded in T s\n"
+            "\n"
+            "Metrics:\n"
+            "  Compiler.Warnings = 1\n"
+            "  Compiler.Errors = 0\n"
+            "[ok] Build succeeded: 1 action in T s\n");
+}
+
+TEST(Qvhost, KeepsPasswordsOutOfLogsAndProjectFiles) {
+  TempDir dir;
+  std::string project = dir.Write("p.qvproj",
+                                  "<QvProject><Actions>\n"
+                                  "  <Action type='Sign In'>\n"
+                                  "    <Property name='User' value='ci'/>\n"
+                                  "    <Property name='NewPassword' value='hunter2'/>\n"
+                                  "    <Property name='Password' value=''/>\n"
+                                  "  </Action>\n"
+                                  "</Actions></QvProject>\n");
+  std::string logs;
+  for (const char* format : {"text", "jsonl"}) {
+    if (std::string(format) == "jsonl")
+      dir.Write("p.qvproj",
+                qv::StringReplaceAll(TempDir::Read(project), "value=''", "value='hunter2'"));
+    auto r = RunQvhost(dir, std::string("run p.qvproj --log-format ") + format);
+    EXPECT_EQ(r.exitCode, 0) << r.out << r.err;
+    logs += r.out + r.err;
+  }
+  EXPECT_EQ(logs.find("hunter2"), std::string::npos) << logs;
+  EXPECT_NE(logs.find("Signed in as ci with a password of 7 characters"), std::string::npos);
+  std::string saved = TempDir::Read(project);
+  EXPECT_EQ(saved.find("hunter2"), std::string::npos) << saved;
+  EXPECT_NE(saved.find("<Property name='NewPassword' value=''/>"), std::string::npos) << saved;
+  EXPECT_NE(saved.find("<Property name='Password' value='qvenc1:"), std::string::npos) << saved;
+
+  struct stat st;
+  ASSERT_EQ(stat(dir.File("config/quorvex/key").c_str(), &st), 0);
+  EXPECT_EQ(st.st_mode & 0777, 0600u);
+  auto again = RunQvhost(dir, "run p.qvproj");
+  EXPECT_NE(again.out.find("Signed in as ci with a password of 7 characters"), std::string::npos);
+}
+
+TEST(Qvhost, TerminationStopsTheRunningProcess) {
+  TempDir dir;
+  dir.Write("p.qvproj",
+            "<QvProject><Actions><Action type='Run Program'>"
+            "<Property name='Program'>/bin/sh</Property>"
+            "<Property name='Arguments'>-c \"touch started; exec sleep 30\"</Property>"
+            "</Action></Actions></QvProject>");
+  std::string command = "cd " + ShellQuote(dir.Path()) +
+                        " && (NO_COLOR=1 XDG_CONFIG_HOME=" + ShellQuote(dir.File("config")) + " " +
+                        ShellQuote(QV_QVHOST) + " --no-default-packages --package " +
+                        ShellQuote(QV_HOST_TEST_PACKAGE) +
+                        " run p.qvproj & pid=$!; while [ ! -e started ]; do sleep 0.05; done;"
+                        " kill -TERM $pid; wait $pid)";
+  auto start = std::chrono::steady_clock::now();
+  auto r = qvtest::RunCommand(command);
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20));
+  EXPECT_EQ(r.exitCode, 1) << r.out << r.err;
+  EXPECT_EQ(WithoutTimes(r.out),
+            "Action: Run Program (TQvTestRunAction)\n"
+            "  Running /bin/sh with parameters : -c \"touch started; exec sleep 30\"\n"
+            "  [error] Action Terminated by User.\n"
+            "[error] Run Program failed in T s\n"
+            "\n"
+            "[error] Build failed: 1 of 1 action failed in T s\n");
+}
+
+}  // namespace

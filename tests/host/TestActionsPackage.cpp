@@ -1,0 +1,346 @@
+// A package module of small actions that exercise the host: logging and metrics, failures,
+// dynamic properties and property sets, passwords, loops, processes, and an options object
+// filled from the options store and the registry.
+#include <stdexcept>
+#include <string>
+
+#include "QvActions.h"
+#include "QvDotNetFramework.h"
+#include "QvExceptions.h"
+#include "QvOptions.h"
+#include "QvPackage.h"
+#include "QvRegistry.h"
+#include "QvServices.h"
+#include "QvSysUtils.h"
+
+using namespace qv;
+
+namespace {
+
+constexpr const char* kCategory = "Host Tests";
+
+// Logs its text, its details in a group, warnings and compiler metrics.
+class TQvTestLogAction : public TCustomQvAction {
+ public:
+  static const TPropertyTable PropertyTable;
+  const TPropertyTable& GetPropertyTable() const override { return PropertyTable; }
+  std::string GetActionName() const override { return "Log Messages"; }
+
+  bool Validate(IQvActionValidationError* errors) override {
+    if (!Text.empty()) return true;
+    errors->AddError("Text", "There is nothing to log", nullptr);
+    return false;
+  }
+  bool Execute() override {
+    std::string text;
+    if (!TryExpandExpression("Text", Text, text, true)) return false;
+    SendMessage(text);
+    if (!Details.Empty()) {
+      StartMessageGroup("Details", 1, TStatusTag::Plain);
+      for (const auto& line : Details)
+        SendMessage(ExpandExpression(line, false));
+      EndMessageGroup(TStatusTag::Success);
+    }
+    for (int64_t i = 1; i <= Warnings; ++i)
+      SendMessage("Warning " + IntToStr(i), TStatusTag::Warning);
+    SendMetricInt("Compiler", "Warnings", Warnings);
+    SendMetricInt("Compiler", "Errors", 0);
+    return true;
+  }
+
+  std::string Text;
+  TStringList Details;
+  int64_t Warnings = 0;
+};
+
+const TPropDescriptor kLogProps[] = {
+    StrProp<TQvTestLogAction, &TQvTestLogAction::Text>("Text"),
+    ListProp<TQvTestLogAction, &TQvTestLogAction::Details>("Details"),
+    IntProp<TQvTestLogAction, &TQvTestLogAction::Warnings>("Warnings"),
+};
+const TPropertyTable TQvTestLogAction::PropertyTable{"TQvTestLogAction",
+                                                     &TCustomQvAction::PropertyTable, kLogProps};
+
+// Fails in one of the ways an action can, inside a group it leaves open.
+enum class TTestFailMode { fmFailAction, fmException, fmReturnFalse, fmUnknown };
+constexpr std::string_view kFailModeNames[] = {"fmFailAction", "fmException", "fmReturnFalse",
+                                               "fmUnknown"};
+const TEnumTypeInfo TTestFailModeInfo{"TTestFailMode", kFailModeNames};
+
+class TQvTestFailAction : public TCustomQvAction {
+ public:
+  static const TPropertyTable PropertyTable;
+  const TPropertyTable& GetPropertyTable() const override { return PropertyTable; }
+  std::string GetActionName() const override { return "Fail"; }
+
+  bool Execute() override {
+    StartMessageGroup("Trying", 0, TStatusTag::Plain);
+    SendMessage("About to fail");
+    switch (Mode) {
+      case TTestFailMode::fmFailAction:
+        throw EFailAction(Message);
+      case TTestFailMode::fmException:
+        throw std::runtime_error(Message);
+      case TTestFailMode::fmReturnFalse:
+        SendMessage(Message, TStatusTag::Error);
+        return false;
+      case TTestFailMode::fmUnknown:
+        throw 42;
+    }
+    return false;
+  }
+
+  std::string Message = "Broken";
+  TTestFailMode Mode = TTestFailMode::fmFailAction;
+};
+
+const TPropDescriptor kFailProps[] = {
+    StrProp<TQvTestFailAction, &TQvTestFailAction::Message>("Message", "Broken"),
+    EnumProp<TQvTestFailAction, &TQvTestFailAction::Mode>("Mode", TTestFailModeInfo,
+                                                          "fmFailAction"),
+};
+const TPropertyTable TQvTestFailAction::PropertyTable{"TQvTestFailAction",
+                                                      &TCustomQvAction::PropertyTable, kFailProps};
+
+// Counts its runs in a dynamic property and, when named, in a property set's "Build" value.
+class TQvTestCounterAction : public TCustomQvAction {
+ public:
+  static const TPropertyTable PropertyTable;
+  const TPropertyTable& GetPropertyTable() const override { return PropertyTable; }
+  std::string GetActionName() const override { return "Count Builds"; }
+
+  bool Execute() override {
+    ++BuildNumber;
+    RegisterDynamicProperty("BuildNumber");
+    SendMessage("Build number " + IntToStr(BuildNumber));
+    if (PropertySet.empty()) return true;
+    IntfPtr<IQvPropertySet> set = FindPropertySet(PropertySet);
+    if (!set) throw EFailAction("No property set named " + PropertySet);
+    set->SetValue("Build", IntToStr(BuildNumber));
+    return true;
+  }
+
+  int64_t BuildNumber = 0;
+  std::string PropertySet;
+};
+
+const TPropDescriptor kCounterProps[] = {
+    IntProp<TQvTestCounterAction, &TQvTestCounterAction::BuildNumber>("BuildNumber"),
+    StrProp<TQvTestCounterAction, &TQvTestCounterAction::PropertySet>("PropertySet"),
+};
+const TPropertyTable TQvTestCounterAction::PropertyTable{
+    "TQvTestCounterAction", &TCustomQvAction::PropertyTable, kCounterProps};
+
+// Keeps its password encrypted: a new one given in NewPassword is encrypted into Password and
+// both are saved back, so that the plain text leaves the project.
+class TQvTestPasswordAction : public TCustomQvAction {
+ public:
+  static const TPropertyTable PropertyTable;
+  const TPropertyTable& GetPropertyTable() const override { return PropertyTable; }
+  std::string GetActionName() const override { return "Sign In"; }
+
+  bool Execute() override {
+    if (!NewPassword.empty()) {
+      Password = EncryptPassword(NewPassword);
+      NewPassword.clear();
+      RegisterDynamicProperty("Password");
+      RegisterDynamicProperty("NewPassword");
+    }
+    std::string plain = DecryptPassword(Password);
+    SendMessage("Signed in as " + User + " with a password of " + IntToStr(plain.size()) +
+                " characters");
+    return true;
+  }
+
+  std::string User, NewPassword, Password;
+};
+
+const TPropDescriptor kPasswordProps[] = {
+    StrProp<TQvTestPasswordAction, &TQvTestPasswordAction::User>("User"),
+    StrProp<TQvTestPasswordAction, &TQvTestPasswordAction::NewPassword>("NewPassword"),
+    StrProp<TQvTestPasswordAction, &TQvTestPasswordAction::Password>("Password"),
+};
+const TPropertyTable TQvTestPasswordAction::PropertyTable{
+    "TQvTestPasswordAction", &TCustomQvAction::PropertyTable, kPasswordProps};
+
+// Runs its nested actions once per item.
+class TQvTestLoopAction : public TQvBaseIterator {
+ public:
+  static const TPropertyTable PropertyTable;
+  const TPropertyTable& GetPropertyTable() const override { return PropertyTable; }
+  std::string GetActionName() const override { return "Loop Over Items"; }
+
+  bool BeforeFirstIteration() override {
+    SetIterationCount(Items.Count());
+    return true;
+  }
+  std::string GetCurrentValue() override { return Items[GetCurrentIteration() - 1]; }
+
+  TStringList Items;
+};
+
+const TPropDescriptor kLoopProps[] = {
+    ListProp<TQvTestLoopAction, &TQvTestLoopAction::Items>("Items"),
+};
+const TPropertyTable TQvTestLoopAction::PropertyTable{"TQvTestLoopAction",
+                                                      &TQvBaseIterator::PropertyTable, kLoopProps};
+
+// Runs a program; its standard error is logged as warnings.
+class TQvTestRunAction : public TQvExecuteAbstractAction {
+ public:
+  static const TPropertyTable PropertyTable;
+  const TPropertyTable& GetPropertyTable() const override { return PropertyTable; }
+  std::string GetActionName() const override { return "Run Program"; }
+
+  std::string GetExecutable() override { return ExpandExpression(Program, true); }
+  bool GetCommandLine(ICommandLineBuilder* builder) override {
+    builder->AddArgument(ExpandExpression(Arguments, false), "", 0);
+    return true;
+  }
+  std::string GetStartingDir() override { return Folder; }
+  void OnStdErrData(IQvProcess*, std::string_view chunk) override {
+    ForEachLine(chunk,
+                [&](std::string_view l) { SendMessage(std::string(l), TStatusTag::Warning); });
+  }
+
+  std::string Program, Arguments, Folder;
+};
+
+const TPropDescriptor kRunProps[] = {
+    StrProp<TQvTestRunAction, &TQvTestRunAction::Program>("Program"),
+    StrProp<TQvTestRunAction, &TQvTestRunAction::Arguments>("Arguments"),
+    StrProp<TQvTestRunAction, &TQvTestRunAction::Folder>("Folder"),
+};
+const TPropertyTable TQvTestRunAction::PropertyTable{
+    "TQvTestRunAction", &TQvExecuteAbstractAction::PropertyTable, kRunProps};
+
+// Options: a tool folder found in the registry when the store has none, and a level.
+class TQvTestOptions : public TQvOptionsObject {
+ public:
+  static const TPropertyTable PropertyTable;
+  const TPropertyTable& GetPropertyTable() const override { return PropertyTable; }
+  std::string GetName() const override { return "Host Test Options"; }
+  std::string GetCategory() const override { return kCategory; }
+  std::string GetOptionKey() const override { return "QvHostTest"; }
+  std::string GetOldVersionOptionKey() const override { return "QvHostTest1"; }
+
+  void LoadOptions(IQvOptionsReader& reader) override {
+    TQvOptionsObject::LoadOptions(reader);
+    ToolFolder = reader.ReadString("ToolFolder", "");
+    Level = reader.ReadInteger("Level", 1);
+    std::string found;
+    if (ToolFolder.empty() &&
+        RegistryReadString(TRegistryRoot::LocalMachine, "SOFTWARE\\Quorvex\\HostTest", "ToolFolder",
+                           found)) {
+      ToolFolder = found;
+      FModified = true;
+    }
+  }
+  void SaveOptions(IQvOptionsWriter& writer) override {
+    TQvOptionsObject::SaveOptions(writer);
+    writer.WriteString("ToolFolder", ToolFolder);
+    writer.WriteInteger("Level", Level);
+  }
+  void SetLevel(int64_t level) {
+    FModified = FModified || level != Level;
+    Level = level;
+  }
+
+  std::string ToolFolder;
+  int64_t Level = 1;
+};
+
+const TPropDescriptor kOptionsProps[] = {
+    StrProp<TQvTestOptions, &TQvTestOptions::ToolFolder>("ToolFolder"),
+    IntProp<TQvTestOptions, &TQvTestOptions::Level, &TQvTestOptions::SetLevel>("Level", "1"),
+};
+const TPropertyTable TQvTestOptions::PropertyTable{"TQvTestOptions",
+                                                   &TQvOptionsObject::PropertyTable, kOptionsProps};
+
+TQvTestOptions* TestOptions() {
+  if (!QvOptionsServices) return nullptr;
+  IntfPtr<IInterface> found = QvOptionsServices->FindOptions("Host Test Options", kCategory);
+  return dynamic_cast<TQvTestOptions*>(found.Get());
+}
+
+// Shows the options and a framework folder as the host supplies them; can change the level.
+class TQvTestEnvironmentAction : public TCustomQvAction {
+ public:
+  static const TPropertyTable PropertyTable;
+  const TPropertyTable& GetPropertyTable() const override { return PropertyTable; }
+  std::string GetActionName() const override { return "Show Environment"; }
+
+  bool Execute() override {
+    TQvTestOptions* options = TestOptions();
+    if (!options) throw EFailAction("The host has no test options");
+    if (NewLevel > 0) options->SetLevel(NewLevel);
+    SendMessage("Tool folder: " + options->ToolFolder);
+    SendMessage("Level: " + IntToStr(options->Level));
+    if (Framework.empty()) return true;
+    IntfPtr<IQvDotNetFramework> fw = QvDotNetInfo ? QvDotNetInfo->GetFramework(Framework) : nullptr;
+    SendMessage(fw ? "Framework " + fw->GetVersion() + ": " + fw->GetFolder()
+                   : "Framework " + Framework + " is not installed");
+    return true;
+  }
+
+  std::string Framework;
+  int64_t NewLevel = 0;
+};
+
+const TPropDescriptor kEnvironmentProps[] = {
+    StrProp<TQvTestEnvironmentAction, &TQvTestEnvironmentAction::Framework>("Framework"),
+    IntProp<TQvTestEnvironmentAction, &TQvTestEnvironmentAction::NewLevel>("NewLevel"),
+};
+const TPropertyTable TQvTestEnvironmentAction::PropertyTable{
+    "TQvTestEnvironmentAction", &TCustomQvAction::PropertyTable, kEnvironmentProps};
+
+TScriptValue Describe(TCustomQvAction& self, const std::vector<TScriptValue>& args) {
+  return (args.empty() ? std::string() : ScriptValueToString(args[0])) + self.GetPropValue("Text");
+}
+
+TScriptValue HostTestOptions(const std::vector<TScriptValue>&) {
+  TQvTestOptions* options = TestOptions();
+  return options ? IntfPtr<IInterface>(static_cast<IInterface*>(options)) : TScriptValue();
+}
+
+void RegisterDesignTime() {
+  const auto& log = ActionClassOf<TQvTestLogAction>();
+  QvActionServices->RegisterPropertyEditor("string", log, "Text", "TTestTextEditor");
+  QvActionServices->RegisterActionPages(log, {"TTestLogFrame", "TTestDetailsFrame"});
+  QvActionServices->RegisterActionPages(ActionClassOf<TQvTestLoopAction>(), {"TTestLoopFrame"});
+  QvOptionsServices->RegisterOptionPages(OptionsClassOf<TQvTestOptions>(), {"TTestOptionsFrame"});
+  QvScriptingServices->RegisterConstant("TestDesignLevel", 2);
+}
+
+const TPackageInfoTable kTable{"TestActionsPackage", 0, nullptr, 0, nullptr};
+
+}  // namespace
+
+QV_PACKAGE_EXPORT void Initialize() {}
+QV_PACKAGE_EXPORT void Finalize() {}
+QV_PACKAGE_EXPORT const TPackageInfoTable* GetPackageInfoTable() {
+  return &kTable;
+}
+
+QV_PACKAGE_EXPORT void QvRegister(bool designTime) {
+  auto& actions = *QvActionServices;
+  actions.RegisterAction("Log Messages", kCategory, "TESTLOG", ActionClassOf<TQvTestLogAction>());
+  QvScriptingServices->RegisterMethod(ActionClassOf<TQvTestLogAction>(), "Describe",
+                                      "function _Describe(const Prefix: string): string", Describe);
+  actions.RegisterAction("Fail", kCategory, "TESTFAIL", ActionClassOf<TQvTestFailAction>());
+  QvScriptingServices->RegisterEnumeration(TTestFailModeInfo);
+  actions.RegisterAction("Count Builds", kCategory, "TESTCOUNT",
+                         ActionClassOf<TQvTestCounterAction>());
+  actions.RegisterAction("Sign In", kCategory, "TESTSIGNIN",
+                         ActionClassOf<TQvTestPasswordAction>());
+  actions.RegisterAction("Loop Over Items", kCategory, "TESTLOOP",
+                         ActionClassOf<TQvTestLoopAction>());
+  actions.RegisterAction("Run Program", kCategory, "TESTRUN", ActionClassOf<TQvTestRunAction>());
+  actions.RegisterAction("Show Environment", kCategory, "TESTENV",
+                         ActionClassOf<TQvTestEnvironmentAction>());
+  QvOptionsServices->RegisterOptions(OptionsClassOf<TQvTestOptions>(), "TESTOPTIONS");
+  QvScriptingServices->RegisterGlobalObject("HostTestOptions", "function HostTestOptions: Variant",
+                                            HostTestOptions);
+  QvScriptingServices->RegisterConstant("TestAnswer", 42);
+  if (designTime) RegisterDesignTime();
+}
