@@ -1,13 +1,23 @@
 #!/usr/bin/env bash
-# Sets everything up, builds, and runs the main job on the bundled examples.
+# Sets everything up, builds, and runs the main job: the demo build process
+# (examples/demo/Greeting.qvproj) through qvhost, which builds the sample Visual Studio 2008
+# solution for real with MSBuild (Mono's xbuild) and shows the log.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/setup.sh
 scripts/build.sh default
-# The solution inspector over every bundled solution: format, configurations, projects in
-# build order with their dependencies, configuration mappings and version scripts.
-for sln in examples/*/*.sln; do
-  echo "==== $sln"
-  build/bin/qvsln "$sln"
-  echo
-done
+
+# A fresh copy of the samples, so that no build output lands in the source tree.
+demo="$PWD/build/demo"
+rm -rf "$demo"
+mkdir -p "$demo"
+cp -R examples/vs2008 "$demo/vs2008"
+
+echo "==== How the package reads the sample solution (qvsln)"
+build/bin/qvsln "$demo/vs2008/Greeting.sln"
+echo
+echo "==== The demo build process (qvhost run examples/demo/Greeting.qvproj)"
+build/bin/qvhost run examples/demo/Greeting.qvproj --var "DEMO=$demo" --options "$demo/options.xml"
+echo
+echo "==== The program it built (Debug, with DEBUG, TRACE and EXTRA defined)"
+mono "$demo/vs2008/Greeting.Console/bin/Debug/Greeting.Console.exe"

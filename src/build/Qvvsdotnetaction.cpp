@@ -152,7 +152,8 @@ const TPropertyTable A::PropertyTable{"TQvVSDotNetAction", &C::PropertyTable, A:
 
 // ---- construction and identity ----------------------------------------------------------
 
-TQvCustomVSDotNetAction::TQvCustomVSDotNetAction() {
+TQvCustomVSDotNetAction::TQvCustomVSDotNetAction()
+    : FStructuredOutputHelper(std::make_unique<TQvMSBuildStructuredOutputHelper>(this)) {
   if (auto options = VSDotNetOptions())
     FVStudioVersion = static_cast<TVSDotNetVersion>(options->GetDefaultVSVersion());
 }
@@ -293,10 +294,6 @@ bool TQvCustomVSDotNetAction::Validate(IQvActionValidationError* errors) {
       report("VisualStudio.NET Options", "Visual Studio installation not found : " + exe, edit);
   }
   return ok;
-}
-
-bool TQvCustomVSDotNetAction::Execute() {
-  throw EFailAction("Building is not available in this build of the package.");
 }
 
 // ---- solution lookups -------------------------------------------------------------------

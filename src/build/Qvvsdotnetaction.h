@@ -5,8 +5,11 @@
 #include <cstdint>
 #include <string>
 
+#include <memory>
+
 #include "QvActions.h"
 #include "QvDotNetFramework.h"
+#include "QvMSBuildOutput.h"
 #include "Qvvc7versioninfo.h"
 #include "Vsnetsln.h"
 
@@ -46,10 +49,52 @@ class TQvCustomVSDotNetAction : public TQvMultiExecAction, public IQvVC7VersionI
 
   // Reports a missing solution and a missing compiler; false when anything was reported.
   bool Validate(IQvActionValidationError* errors) override;
+  // Checks the compiler, opens the solution and builds it (or the chosen projects).
   bool Execute() override;
+  bool CanTerminate() const override { return true; }
+  // Only signals the terminate event; the process runner stops the compiler.
+  void TerminateAction() override { FTerminateEvent.Signal(); }
+  bool RequiresSync() const override { return false; }
+
+  // Compiler output: split into lines, classified, logged and counted.
+  void OnStdOutData(IQvProcess* process, std::string_view chunk) override;
+  void OnStdErrData(IQvProcess* process, std::string_view chunk) override;
 
   // True when UseMSBuild is set and VStudioVersion is vs2005 or later.
   bool UsingMSBuild() const;
+
+  // The steps of a build, each as its own operation.
+  bool VerifyExecutable();
+  // Expands and opens Solution; throws EFailAction on every failure.
+  IntfPtr<IVSDotNetSolution> LoadSolution();
+  bool PerformBuild(const std::string& configuration, IVSDotNetSolution& solution);
+  bool BuildSolution(IVSDotNetSolution& solution, const std::string& configuration);
+  bool BuildProjects(IVSDotNetSolution& solution, const std::string& configuration,
+                     TVSDotNetBuildAction action);
+  bool BuildProject(IVSDotNetSolution& solution, IVSDotNetProject& project,
+                    TVSDotNetBuildAction action, bool useMSBuild, const std::string& workingDir,
+                    const std::string& configuration);
+  // The identifiers of the selected projects in the solution's build order.
+  bool ReadSelectedProjects(IVSDotNetSolution& solution, TStringList& list);
+  // Turns entries that are project names or paths into identifiers.
+  void SanitiseProjectIDs(TStringList& list);
+  // True when MSBuild must be told "AnyCPU" because the project file spells it so.
+  bool NeedsAnyCPUWithoutSpace(IVSDotNetSolution& solution, IVSDotNetProject& project,
+                               const std::string& projectConfiguration);
+  // Runs the compiler once; never throws.
+  bool RunCompiler(const std::string& workingDir, const std::string& params, bool useMSBuild);
+
+  // Command-line switches for devenv.com and MSBuild.exe.
+  std::string GetCommonDevEnvParams(const std::string& configuration,
+                                    TVSDotNetBuildAction action) const;
+  std::string GetCommonMSBuildParams(const std::string& configuration, bool forceAnyCPU,
+                                     TVSDotNetBuildAction action);
+  // Appends ";" (unless empty) and the item to a constants list.
+  static void AppendConstant(std::string& list, const std::string& item);
+  // Throws EFailAction unless the list holds only digits and semicolons.
+  static void ValidateWarningList(const std::string& list, const std::string& caption);
+  // Set while reading output when a 2002/2003 summary reports failed projects.
+  bool ProjectsFailed() const { return FProjectsFailed; }
   // The full path of devenv.com or MSBuild.exe, or empty when no framework is known.
   std::string GetExecutable(bool useMSBuild) const;
 
@@ -225,6 +270,15 @@ class TQvCustomVSDotNetAction : public TQvMultiExecAction, public IQvVC7VersionI
  private:
   static const TPropDescriptor FProps[];
   void SetVersionPart(bool fileVersion, int part, const std::string& v);
+  void ClassifyOutputLine(std::string_view line);
+  void ReadDevEnvSummary(std::string_view line);
+  bool ReadMSBuildSummary(std::string_view line);
+  void AddMSBuildProperty(TStringList& props, const std::string& name, const std::string& value);
+  std::string ExpandOrFail(const char* caption, const std::string& text, const char* failure);
+
+  TAutoResetEvent FTerminateEvent;
+  bool FProjectsFailed = false;
+  std::unique_ptr<TQvMSBuildStructuredOutputHelper> FStructuredOutputHelper;
   void SetAutoInc(bool& field, bool on, const char* property, bool keepRegistered);
 
   std::string FSolution;

@@ -1,0 +1,379 @@
+#include "QvMSBuildOutput.h"
+
+#include <array>
+#include <charconv>
+#include <utility>
+
+#include "QvActions.h"
+
+namespace qv {
+
+namespace {
+
+constexpr std::string_view kTag = "@@qv:";
+constexpr size_t kMaxFields = 8;  // kind + the seven fields of an error
+
+// The tab-separated fields of a tagged line, still escaped; absent fields read as empty.
+struct TFields {
+  std::array<std::string_view, kMaxFields> items;
+  size_t count = 0;
+  std::string_view operator[](size_t i) const { return i < count ? items[i] : std::string_view(); }
+};
+
+TFields SplitFields(std::string_view text) {
+  TFields f;
+  size_t start = 0;
+  while (f.count < kMaxFields) {
+    size_t tab = text.find('\t', start);
+    // The last field takes the rest, so a newer logger's extra fields stay harmless.
+    if (tab == std::string_view::npos || f.count + 1 == kMaxFields) {
+      f.items[f.count++] = text.substr(start);
+      break;
+    }
+    f.items[f.count++] = text.substr(start, tab - start);
+    start = tab + 1;
+  }
+  return f;
+}
+
+// Appends `field` to `out` with its escapes resolved; an unknown escape stays as written.
+void AppendUnescaped(std::string& out, std::string_view field) {
+  for (size_t i = 0; i < field.size(); ++i) {
+    char c = field[i];
+    if (c == '\\' && i + 1 < field.size()) {
+      switch (field[i + 1]) {
+        case '\\':
+          c = '\\';
+          break;
+        case 't':
+          c = '\t';
+          break;
+        case 'r':
+          c = '\r';
+          break;
+        case 'n':
+          c = '\n';
+          break;
+        default:
+          out += c;
+          continue;
+      }
+      ++i;
+    }
+    out += c;
+  }
+}
+
+bool IsBlank(char c) {
+  return c == ' ' || c == '\t';
+}
+
+std::string_view TrimLeft(std::string_view s) {
+  size_t i = 0;
+  while (i < s.size() && IsBlank(s[i]))
+    ++i;
+  return s.substr(i);
+}
+
+std::string_view TrimRight(std::string_view s) {
+  size_t n = s.size();
+  while (n > 0 && (IsBlank(s[n - 1]) || s[n - 1] == '\r'))
+    --n;
+  return s.substr(0, n);
+}
+
+char Lower(char c) {
+  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+bool StartsWithNoCase(std::string_view s, std::string_view prefix) {
+  if (s.size() < prefix.size()) return false;
+  for (size_t i = 0; i < prefix.size(); ++i)
+    if (Lower(s[i]) != Lower(prefix[i])) return false;
+  return true;
+}
+
+bool EndsWithNoCase(std::string_view s, std::string_view suffix) {
+  return s.size() >= suffix.size() && StartsWithNoCase(s.substr(s.size() - suffix.size()), suffix);
+}
+
+std::string_view FileNameOf(std::string_view path) {
+  size_t slash = path.find_last_of("/\\");
+  return slash == std::string_view::npos ? path : path.substr(slash + 1);
+}
+
+// A decimal number; 0 for anything else (MSBuild's "unknown").
+int ToInt(std::string_view text) {
+  int value = 0;
+  auto [end, ec] = std::from_chars(text.data(), text.data() + text.size(), value);
+  return ec == std::errc() && end == text.data() + text.size() && value > 0 ? value : 0;
+}
+
+void AppendInt(std::string& out, int value) {
+  char digits[12];
+  out.append(digits, std::to_chars(digits, digits + sizeof digits, value).ptr);
+}
+
+enum class TCategory { None, Error, Warning };
+
+// Matches what follows an origin's colon: "[subcategory ]error|warning[ CODE]:" (case
+// ignored), the subcategory being any colon-free text that ends in a blank.
+TCategory MatchCategory(std::string_view rest) {
+  size_t colon = rest.find(':');
+  if (colon == std::string_view::npos) return TCategory::None;
+  std::string_view head = rest.substr(0, colon);
+  for (size_t p = 0; p < head.size(); ++p) {
+    if (p > 0 && head[p - 1] != ' ') continue;
+    std::string_view at = head.substr(p);
+    TCategory category = TCategory::None;
+    size_t length = 0;
+    if (StartsWithNoCase(at, "error")) {
+      category = TCategory::Error, length = 5;
+    } else if (StartsWithNoCase(at, "warning")) {
+      category = TCategory::Warning, length = 7;
+    } else {
+      continue;
+    }
+    // Behind the word: nothing, or a blank and one code token, blanks around it allowed.
+    std::string_view tail = at.substr(length);
+    if (!tail.empty() && !IsBlank(tail[0])) continue;
+    std::string_view code = TrimRight(TrimLeft(tail));
+    if (code.find_first_of(" \t") == std::string_view::npos) return category;
+  }
+  return TCategory::None;
+}
+
+// Classifies a line in MSBuild's canonical message format
+// "origin: [subcategory ]error|warning [CODE]: text", the origin being optional (a tool
+// name, or a file with an optional position) and possibly led by a drive letter or, with
+// several nodes, by "N>".
+TCategory ClassifyCanonical(std::string_view line) {
+  std::string_view s = TrimLeft(line);
+  size_t originStart = 0;
+  while (originStart < s.size() && s[originStart] >= '0' && s[originStart] <= '9')
+    ++originStart;
+  originStart =
+      originStart > 0 && originStart < s.size() && s[originStart] == '>' ? originStart + 1 : 0;
+  std::string_view origin = s.substr(originStart);
+  bool drive = origin.size() > 2 && origin[1] == ':' &&
+               ((origin[0] >= 'a' && origin[0] <= 'z') || (origin[0] >= 'A' && origin[0] <= 'Z'));
+  if (drive) {
+    size_t colon = origin.find(':', 2);
+    if (colon != std::string_view::npos) {
+      if (TCategory c = MatchCategory(origin.substr(colon + 1)); c != TCategory::None) return c;
+    }
+  }
+  if (size_t colon = s.find(':'); colon != std::string_view::npos) {
+    if (TCategory c = MatchCategory(s.substr(colon + 1)); c != TCategory::None) return c;
+  }
+  return MatchCategory(s);
+}
+
+enum class TSummary { None, Errors, Warnings };
+
+// Reads MSBuild's closing "  12 Error(s)" or "  0 Warning(s)" (blanks or tabs before,
+// blanks behind).
+TSummary ReadSummary(std::string_view line, int& count) {
+  std::string_view s = TrimRight(TrimLeft(line));
+  size_t digits = 0;
+  while (digits < s.size() && s[digits] >= '0' && s[digits] <= '9')
+    ++digits;
+  if (digits == 0 || digits + 1 >= s.size() || s[digits] != ' ') return TSummary::None;
+  std::string_view word = s.substr(digits + 1);
+  TSummary summary = word == "Error(s)"     ? TSummary::Errors
+                     : word == "Warning(s)" ? TSummary::Warnings
+                                            : TSummary::None;
+  if (summary != TSummary::None) count = ToInt(s.substr(0, digits));
+  return summary;
+}
+
+// Targets that only ask a project something (its output path, its manifest, its items)
+// rather than build it.
+bool IsInternalTargetList(std::string_view targets) {
+  bool any = false;
+  size_t start = 0;
+  while (start <= targets.size()) {
+    size_t end = targets.find(';', start);
+    if (end == std::string_view::npos) end = targets.size();
+    std::string_view name = TrimRight(TrimLeft(targets.substr(start, end - start)));
+    if (!name.empty()) {
+      if (!StartsWithNoCase(name, "Get") && !EndsWithNoCase(name, "OutputGroup")) return false;
+      any = true;
+    }
+    start = end + 1;
+  }
+  return any;
+}
+
+}  // namespace
+
+TQvMSBuildStructuredOutputHelper::TQvMSBuildStructuredOutputHelper(TCustomQvAction* owner)
+    : FOwner(owner) {}
+
+void TQvMSBuildStructuredOutputHelper::Start(std::string_view solutionFileName, bool enabled) {
+  FSolutionFile = solutionFileName;
+  FEnabled = enabled;
+  FLoggerSeen = false;
+  FErrorCount = FWarningCount = FRunErrors = FRunWarnings = 0;
+  FProjects.clear();
+}
+
+void TQvMSBuildStructuredOutputHelper::ProcessLine(std::string_view line) {
+  if (!FEnabled) return;
+  line = TrimRight(line);
+  if (line.substr(0, kTag.size()) == kTag) {
+    FLoggerSeen = true;
+    ProcessTagged(line.substr(kTag.size()));
+  } else {
+    ProcessConsoleLine(line);
+  }
+}
+
+void TQvMSBuildStructuredOutputHelper::Finish() {
+  CloseAll(true);
+}
+
+void TQvMSBuildStructuredOutputHelper::ProcessTagged(std::string_view kindAndFields) {
+  TFields f = SplitFields(kindAndFields);
+  std::string_view kind = f[0];
+  if (kind == "projectStarted") {
+    ProjectStarted(f[1], f[2]);
+  } else if (kind == "projectFinished") {
+    ProjectFinished(f[1], f[2] == "True");
+  } else if (kind == "error" || kind == "warning") {
+    Diagnostic(kind == "error", f[1], f[2], f[3], f[4], f[5], f[6]);
+  } else if (kind == "message") {
+    if (f[2].empty()) return;
+    FText.clear();
+    AppendUnescaped(FText, f[2]);
+    FOwner->SendMessage(FText, TStatusTag::Plain);
+  } else if (kind == "buildFinished") {
+    CloseAll(f[1] != "True");
+  }
+}
+
+bool TQvMSBuildStructuredOutputHelper::OpensGroup(std::string_view file,
+                                                  std::string_view targets) const {
+  if (file.empty() || file == FSolutionFile) return false;
+  if (EndsWithNoCase(file, ".sln") || EndsWithNoCase(file, ".metaproj")) return false;
+  return !IsInternalTargetList(targets);
+}
+
+void TQvMSBuildStructuredOutputHelper::ProjectStarted(std::string_view file,
+                                                      std::string_view targets) {
+  FField.clear();
+  AppendUnescaped(FField, file);
+  bool grouped = OpensGroup(FField, targets);
+  if (grouped) {
+    FText.assign("Project ");
+    FText += FileNameOf(FField);
+    FOwner->StartMessageGroup(FText, 0, TStatusTag::Plain);
+  }
+  FProjects.push_back({FField, grouped});
+}
+
+void TQvMSBuildStructuredOutputHelper::ProjectFinished(std::string_view file, bool succeeded) {
+  FField.clear();
+  AppendUnescaped(FField, file);
+  size_t at = FProjects.size();
+  while (at > 0 && FProjects[at - 1].file != FField)
+    --at;
+  if (at == 0) return;  // never started: nothing to close
+  // Projects started inside it that never reported their end close with it, untagged.
+  while (FProjects.size() > at) {
+    if (FProjects.back().grouped) FOwner->EndMessageGroup();
+    FProjects.pop_back();
+  }
+  if (FProjects.back().grouped)
+    FOwner->EndMessageGroup(succeeded ? TStatusTag::Success : TStatusTag::Error);
+  FProjects.pop_back();
+}
+
+void TQvMSBuildStructuredOutputHelper::Diagnostic(bool error, std::string_view project,
+                                                  std::string_view file, std::string_view line,
+                                                  std::string_view column, std::string_view code,
+                                                  std::string_view message) {
+  ++(error ? FErrorCount : FWarningCount);
+  FText.clear();
+  if (file.empty()) {
+    FText += "MSBUILD : ";
+  } else {
+    AppendUnescaped(FText, file);
+    int lineNumber = ToInt(line), columnNumber = ToInt(column);
+    if (lineNumber == 0) {
+      FText += " : ";
+    } else {
+      FText += '(';
+      AppendInt(FText, lineNumber);
+      if (columnNumber != 0) {
+        FText += ',';
+        AppendInt(FText, columnNumber);
+      }
+      FText += "): ";
+    }
+  }
+  FText += error ? "error " : "warning ";
+  if (!code.empty()) AppendUnescaped(FText, code);
+  FText += ": ";
+  AppendUnescaped(FText, message);
+
+  // Name the project when neither the open group nor the file already says which it is.
+  FField.clear();
+  AppendUnescaped(FField, project);
+  const TProject* group = nullptr;
+  for (size_t i = FProjects.size(); i > 0 && !group; --i)
+    if (FProjects[i - 1].grouped) group = &FProjects[i - 1];
+  if (!FField.empty() && (!group || group->file != FField) && project != file) {
+    FText += " [";
+    FText += FField;
+    FText += ']';
+  }
+  FOwner->SendMessage(FText, error ? TStatusTag::Error : TStatusTag::Warning);
+}
+
+void TQvMSBuildStructuredOutputHelper::ProcessConsoleLine(std::string_view line) {
+  if (TrimLeft(line).empty()) return;
+  FText.assign(line);
+  int count = 0;
+  TStatusTag tag = TStatusTag::Plain;
+  // Lines counted since the last summary belong to the run that summary closes: its count
+  // replaces them (xbuild prints each diagnostic twice), earlier runs' counts stay.
+  switch (ReadSummary(line, count)) {
+    case TSummary::Errors:
+      if (!FLoggerSeen) FErrorCount += count - std::exchange(FRunErrors, 0);
+      tag = count > 0 ? TStatusTag::Error : TStatusTag::Plain;
+      break;
+    case TSummary::Warnings:
+      if (!FLoggerSeen) FWarningCount += count - std::exchange(FRunWarnings, 0);
+      tag = count > 0 ? TStatusTag::Warning : TStatusTag::Plain;
+      break;
+    case TSummary::None:
+      switch (ClassifyCanonical(line)) {
+        case TCategory::Error:
+          if (!FLoggerSeen) ++FErrorCount, ++FRunErrors;
+          tag = TStatusTag::Error;
+          break;
+        case TCategory::Warning:
+          if (!FLoggerSeen) ++FWarningCount, ++FRunWarnings;
+          tag = TStatusTag::Warning;
+          break;
+        case TCategory::None:
+          break;
+      }
+  }
+  FOwner->SendMessage(FText, tag);
+}
+
+void TQvMSBuildStructuredOutputHelper::CloseAll(bool failed) {
+  while (!FProjects.empty()) {
+    if (FProjects.back().grouped) {
+      if (failed)
+        FOwner->EndMessageGroup(TStatusTag::Error);
+      else
+        FOwner->EndMessageGroup();
+    }
+    FProjects.pop_back();
+  }
+}
+
+}  // namespace qv

@@ -1,0 +1,495 @@
+// Running a build: the steps of Execute, the compiler command lines and the reading of
+// the compiler's output.
+#include <chrono>
+#include <thread>
+
+#include "QvExceptions.h"
+#include "QvPlatform.h"
+#include "QvSysUtils.h"
+#include "QvUtils.h"
+#include "Qvvsdotnetaction.h"
+
+namespace qv {
+
+namespace {
+
+// A blank behind a non-empty text, so that the next part does not run into it.
+void EnsureTrailingSpace(std::string& s) {
+  if (!s.empty() && s.back() != ' ') s += ' ';
+}
+
+std::string Quoted(const std::string& s) {
+  return "\"" + s + "\"";
+}
+
+}  // namespace
+
+// ---- Execute ------------------------------------------------------------------------------
+
+bool TQvCustomVSDotNetAction::Execute() {
+  TQvMultiExecAction::Execute();
+  std::string configuration;
+  if (!TryExpandExpression("Solution Configuration Name", FSolutionConfiguration, configuration,
+                           true))
+    return false;
+  if (!VerifyExecutable()) return false;
+  IntfPtr<IVSDotNetSolution> solution = LoadSolution();
+  if (FUpdateAssemblyInfo)
+    throw EFailAction("Version stamping of AssemblyInfo files is not available in this build.");
+  if (FUpdateWin32Resource)
+    throw EFailAction("Version stamping of Win32 resources is not available in this build.");
+  FStructuredOutputHelper->Start(solution->GetFileName(), FStructuredOutput);
+  bool result = PerformBuild(configuration, *solution);
+  if (FStructuredOutput && UsingMSBuild()) {
+    SendMetricInt("Compiler", "Errors", FStructuredOutputHelper->GetErrorCount());
+    SendMetricInt("Compiler", "Warnings", FStructuredOutputHelper->GetWarningCount());
+  }
+  return result;
+}
+
+bool TQvCustomVSDotNetAction::VerifyExecutable() {
+  bool msbuild = UsingMSBuild();
+  std::string exe = GetExecutable(msbuild);
+  if (exe.empty()) {
+    SendMessage(msbuild ? ".NET Framework not found."
+                        : "Path to Visual Studio installation not set in Options.",
+                TStatusTag::Error);
+    return false;
+  }
+  if (!platform::FileExists(exe)) throw EFailAction("Executable not found : " + exe);
+  return true;
+}
+
+IntfPtr<IVSDotNetSolution> TQvCustomVSDotNetAction::LoadSolution() {
+  std::string fileName;
+  if (!TryExpandExpression("Solution File Name", FSolution, fileName, true))
+    throw EFailAction("Failed to expand solution file name.");
+  if (!platform::FileExists(fileName))
+    throw EFailAction("Solution File " + Quoted(fileName) + " does not exist");
+  try {
+    return OpenSolution(fileName, false);
+  } catch (const std::exception& e) {
+    throw EFailAction(std::string("Error Parsing Solution File : ") + e.what());
+  }
+}
+
+bool TQvCustomVSDotNetAction::PerformBuild(const std::string& configuration,
+                                           IVSDotNetSolution& solution) {
+  if (FBuildType == TVSDotNetBuildType::btAllProjects)
+    return BuildSolution(solution, configuration);
+  if (FBuildAction != TVSDotNetBuildAction::baRebuild)
+    return BuildProjects(solution, configuration, FBuildAction);
+  // A rebuild of a project list cleans every project before building any, so that no
+  // project is cleaned after a project that depends on it was built.
+  StartMessageGroup("Cleaning Projects", 0, TStatusTag::Plain);
+  bool cleaned = BuildProjects(solution, configuration, TVSDotNetBuildAction::baClean);
+  EndMessageGroup();
+  return cleaned && BuildProjects(solution, configuration, TVSDotNetBuildAction::baBuild);
+}
+
+// ---- solution and project builds -----------------------------------------------------------
+
+bool TQvCustomVSDotNetAction::BuildSolution(IVSDotNetSolution& solution,
+                                            const std::string& configuration) {
+  StartMessageGroup("Solution " + solution.GetFileName(), 0, TStatusTag::Plain);
+  bool result = false;
+  std::string params;
+  if (TryExpandExpression("ExtraCmdLineParams", FExtraCmdLineParams, params, false)) {
+    EnsureTrailingSpace(params);
+    params += UsingMSBuild() ? GetCommonMSBuildParams(configuration, false, FBuildAction)
+                             : GetCommonDevEnvParams(configuration, FBuildAction);
+    EnsureTrailingSpace(params);
+    params += Quoted(solution.GetFileName());
+    result = RunCompiler(ExtractFilePath(solution.GetFileName()), params, UsingMSBuild());
+  }
+  EndMessageGroup();
+  return result;
+}
+
+bool TQvCustomVSDotNetAction::BuildProjects(IVSDotNetSolution& solution,
+                                            const std::string& configuration,
+                                            TVSDotNetBuildAction action) {
+  std::string workingDir = ExtractFilePath(solution.GetFileName());
+  IntfPtr<IVSDotNetProjects> projects = solution.GetProjects();
+  TStringList ids;
+  if (FBuildType == TVSDotNetBuildType::btSelectedProjects) {
+    if (!ReadSelectedProjects(solution, ids)) return false;
+  } else {
+    for (int i = 0; i < projects->GetCount(); ++i)
+      ids.Add(projects->GetItem(i)->GetProjectGUID());
+  }
+  bool result = false;
+  for (const std::string& id : ids) {
+    IntfPtr<IVSDotNetProject> project = projects->FindByGUID(id);
+    if (!project) {
+      SendMessage("Warning : Project " + id +
+                      " was not found in the solution file. You may need to reconfigure the "
+                      "action.",
+                  TStatusTag::Warning);
+      continue;
+    }
+    result = BuildProject(solution, *project, action, UsingMSBuild(), workingDir, configuration);
+    if (!result) return false;
+  }
+  return result;
+}
+
+bool TQvCustomVSDotNetAction::BuildProject(IVSDotNetSolution& solution, IVSDotNetProject& project,
+                                           TVSDotNetBuildAction action, bool useMSBuild,
+                                           const std::string& workingDir,
+                                           const std::string& configuration) {
+  if (useMSBuild && ExtractFileExt(project.GetFileName()) == ".vdproj") {
+    SendMessage("Warning : Setup project " + project.GetName() +
+                    " cannot be built with MSBuild. This project will be built with VisualStudio "
+                    "instead.",
+                TStatusTag::Warning);
+    return BuildProject(solution, project, action, false, workingDir, configuration);
+  }
+  StartMessageGroup("Project " + project.GetName(), 0, TStatusTag::Plain);
+  SendMessage("Processing Project : " + project.GetName());
+  std::string params;
+  if (!TryExpandExpression("ExtraCmdLineParams", FExtraCmdLineParams, params, false)) {
+    EndMessageGroup();
+    return false;
+  }
+  EnsureTrailingSpace(params);
+  if (useMSBuild) {
+    std::string projectConfiguration = project.GetProjectConfiguration(configuration);
+    if (projectConfiguration.empty())
+      throw EFailAction("Project " + Quoted(project.GetName()) +
+                        " is not built in solution configuration " + configuration);
+    SendMessage("Building project configuration " + Quoted(projectConfiguration) +
+                " for solution configuration " + Quoted(configuration));
+    bool anyCPU = NeedsAnyCPUWithoutSpace(solution, project, projectConfiguration);
+    params += GetCommonMSBuildParams(projectConfiguration, anyCPU, action);
+    EnsureTrailingSpace(params);
+    params += Quoted(project.GetFileName());
+  } else {
+    // No blank before "/project": the command line has always been written so.
+    params += GetCommonDevEnvParams(configuration, action) + "/project " +
+              Quoted(project.GetFileName()) + " " + Quoted(solution.GetFileName());
+  }
+  bool result = RunCompiler(workingDir, params, useMSBuild);
+  EndMessageGroup();
+  return result;
+}
+
+bool TQvCustomVSDotNetAction::ReadSelectedProjects(IVSDotNetSolution& solution, TStringList& list) {
+  SanitiseProjectIDs(FSelectedProjects);
+  if (FSelectedProjects.Empty()) {
+    SendMessage("No Projects selected to build", TStatusTag::Error);
+    return false;
+  }
+  IntfPtr<IVSDotNetProjects> projects = solution.GetProjects();
+  projects->SortByDependency();
+  for (int i = 0; i < projects->GetCount(); ++i) {
+    std::string id = projects->GetItem(i)->GetProjectGUID();
+    if (FSelectedProjects.IndexOf(id) >= 0) list.Add(id);
+  }
+  if (list.Count() < FSelectedProjects.Count()) {
+    SendMessage(
+        "A Project selected is no longer part of this solution, please open the action "
+        "properties dialog and select the correct projects",
+        TStatusTag::Error);
+    return false;
+  }
+  return true;
+}
+
+void TQvCustomVSDotNetAction::SanitiseProjectIDs(TStringList& list) {
+  for (int i = 0; i < list.Count(); ++i) {
+    std::string entry = list[i];
+    if (entry.starts_with("{")) continue;
+    std::string id = GetProjectID(entry);
+    if (id.empty()) id = GetProjectID(ExpandExpression(entry, false));
+    if (!id.empty()) list.Put(i, id);
+  }
+}
+
+bool TQvCustomVSDotNetAction::NeedsAnyCPUWithoutSpace(IVSDotNetSolution& solution,
+                                                      IVSDotNetProject& project,
+                                                      const std::string& projectConfiguration) {
+  size_t bar = projectConfiguration.find('|');
+  if (bar == std::string::npos) return false;
+  std::string config = projectConfiguration.substr(0, bar);
+  if (LowerCase(projectConfiguration.substr(bar + 1)) != "any cpu") return false;
+  std::string path = project.GetFileName();
+  if (!platform::FileExists(ExpandRelativePath(path, ".")))
+    path = IncludeTrailingPathDelimiter(ExtractFilePath(solution.GetFileName())) + path;
+  path = ExpandRelativePath(path, ".");
+  std::string text, error;
+  if (!platform::FileExists(path) || !platform::ReadWholeFile(path, text, error)) return false;
+  return !ContainsStr(text, config + "|Any CPU") && ContainsStr(text, config + "|AnyCPU");
+}
+
+// ---- running the compiler ----------------------------------------------------------------
+
+bool TQvCustomVSDotNetAction::RunCompiler(const std::string& workingDir, const std::string& params,
+                                          bool useMSBuild) {
+  std::string exe;
+  try {
+    FProjectsFailed = false;
+    exe = GetExecutable(useMSBuild);
+    SendMessage("Running " + exe + " with parameters : " + params);
+    SendMessage("------");
+    IntfPtr<IQvProcess> process = NewActionProcess();
+    process->SetExecutable(exe);
+    process->SetParameters(params);
+    process->SetCaptureOutput(true);
+    process->SetHideWindow(true);
+    process->SetStartingDir(workingDir);
+    process->SetTerminateEvent(&FTerminateEvent);
+    process->SetOutputHandler(this);
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    int code = process->Run();
+    if (FStructuredOutput && UsingMSBuild()) FStructuredOutputHelper->Finish();
+    bool success = CheckProcessCleanExit(process.Get()) && code == 0;
+    if (success && FProjectsFailed) {
+      SendMessage("One or more projects failed to build.", TStatusTag::Error);
+      success = false;
+    }
+    process.Reset();
+    if (code == kTerminatedExitCode)
+      SendMessage("Action Terminated by User.", TStatusTag::Error);
+    else if (code != 0)
+      SendMessage(ExtractFileName(exe) + " returned Error code : " + std::to_string(code),
+                  TStatusTag::Error);
+    return success;
+  } catch (const std::exception& e) {
+    SendMessage("Error Running " + ExtractFileName(exe) + " : " + e.what(), TStatusTag::Error);
+    return false;
+  }
+}
+
+// ---- command lines -----------------------------------------------------------------------
+
+std::string TQvCustomVSDotNetAction::GetCommonDevEnvParams(const std::string& configuration,
+                                                           TVSDotNetBuildAction action) const {
+  static const char* switches[] = {"/build", "/rebuild", "/clean", "/deploy"};
+  std::string s = switches[static_cast<int>(action)];
+  if (FUseEnv) s = "/useenv " + s;
+  return s + " " + Quoted(configuration);
+}
+
+void TQvCustomVSDotNetAction::AppendConstant(std::string& list, const std::string& item) {
+  if (!list.empty()) list += ";";
+  list += item;
+}
+
+void TQvCustomVSDotNetAction::ValidateWarningList(const std::string& list,
+                                                  const std::string& caption) {
+  if (!ExecRegExpr("^[\\d;]*$", list))
+    throw EFailAction(caption + " list " + Quoted(list) +
+                      " is not valid. Only warning numbers, separated by semicolons, can be "
+                      "specified.");
+}
+
+void TQvCustomVSDotNetAction::AddMSBuildProperty(TStringList& props, const std::string& name,
+                                                 const std::string& value) {
+  props.Add(name + "=" + QuoteMSBuildArg(value));
+}
+
+std::string TQvCustomVSDotNetAction::ExpandOrFail(const char* caption, const std::string& text,
+                                                  const char* failure) {
+  std::string result;
+  if (!TryExpandExpression(caption, text, result, false)) throw EFailAction(failure);
+  return result;
+}
+
+std::string TQvCustomVSDotNetAction::GetCommonMSBuildParams(const std::string& configuration,
+                                                            bool forceAnyCPU,
+                                                            TVSDotNetBuildAction action) {
+  static const char* targets[] = {"/t:Build", "/t:Rebuild", "/t:Clean", "/t:Deploy"};
+  std::string s = targets[static_cast<int>(action)];
+  // Without the logger assembly MSBuild would fail without a word, so its own console
+  // output is read instead.
+  std::string logger = IncludeTrailingPathDelimiter(GetQvAppPath()) + "Quorvex.MSBuild.Tasks.dll";
+  if (FStructuredOutput && platform::FileExists(logger))
+    s += " /logger:" + DoubleQuoteString(logger, false) + " /noconlog";
+
+  TStringList props;
+  if (size_t bar = configuration.find('|'); bar == std::string::npos) {
+    if (!configuration.empty()) AddMSBuildProperty(props, "Configuration", configuration);
+  } else {
+    AddMSBuildProperty(props, "Configuration", configuration.substr(0, bar));
+    AddMSBuildProperty(props, "Platform", forceAnyCPU ? "AnyCPU" : configuration.substr(bar + 1));
+  }
+  if (FOverrideCompiler) {
+    std::string constants = ExpandOrFail("Define Constants", FCompilerConstants,
+                                         "Failed to expand compiler constants.");
+    if (FDebugConstant) AppendConstant(constants, "DEBUG");
+    if (FTraceConstant) AppendConstant(constants, "TRACE");
+    AddMSBuildProperty(props, "DefineConstants", constants);
+    props.Add("Optimize=" + BoolToStr(FOptimize));
+    props.Add("AllowUnsafeBlocks=" + BoolToStr(FAllowUnsafe));
+  }
+  if (FOverrideWarnings) {
+    props.Add("WarningLevel=" + std::to_string(FWarningLevel));
+    if (FAllWarningsAsErrors) {
+      props.Add("TreatWarningsAsErrors=True");
+    } else {
+      props.Add("TreatWarningsAsErrors=False");
+      if (FSelectedWarningsAsErrors) {
+        std::string list = ExpandOrFail("Warnings As Errors", FWarningsAsErrors,
+                                        "Unable to expand list of warnings to treat as errors.");
+        ValidateWarningList(list, "Warnings As Errors");
+        if (!list.empty()) AddMSBuildProperty(props, "WarningsAsErrors", list);
+      }
+    }
+    if (FDisableSelectedWarnings) {
+      std::string list = ExpandOrFail("Disabled Warnings", FDisableWarnings,
+                                      "Unable to expand list of disabled warnings");
+      ValidateWarningList(list, "Disabled Warnings");
+      if (!list.empty()) AddMSBuildProperty(props, "NoWarn", list);
+    }
+  }
+  if (FVStudioVersion >= TVSDotNetVersion::vs2008 && FOverrideTargetFramework) {
+    static const char* frameworks[] = {"v2.0", "v3.0", "v3.5"};
+    props.Add(std::string("TargetFramework=") +
+              Quoted(frameworks[static_cast<int>(FTargetFramework)]));
+  }
+  if (FOverrideReferencePaths) {
+    std::string paths = ExpandOrFail("Reference Paths", FReferencePaths.Text(),
+                                     "Failed to expand Reference Paths list");
+    AddMSBuildProperty(props, "ReferencePath", StringReplaceAll(Trim(paths), "\r\n", ";"));
+  }
+  if (FUseEnv) props.Add("useenv=1");
+  std::string outDir =
+      ExpandOrFail("Output Directory", FOutputDirectory, "Failed to expand output directory");
+  if (!outDir.empty()) AddMSBuildProperty(props, "OutDir", IncludeTrailingPathDelimiter(outDir));
+
+  std::string extra;
+  try {
+    extra = ExpandExpression(FExtraMSBuildProperties.Text(), true);
+  } catch (const std::exception& e) {
+    throw EFailAction(std::string("Failed to Extra MSBuild Properties: ") + e.what());
+  }
+  TStringList extraLines;
+  extraLines.SetText(extra);
+  for (const std::string& line : extraLines) {
+    if (Trim(line).empty()) continue;  // a blank line names no property
+    size_t eq = line.find('=');
+    AddMSBuildProperty(props, line.substr(0, eq),
+                       eq == std::string::npos ? std::string() : line.substr(eq + 1));
+  }
+
+  if (!props.Empty()) {
+    StartMessageGroup("MSBuild Properties", 2, TStatusTag::Plain);
+    for (const std::string& p : props)
+      SendMessage(p);
+    EndMessageGroup();
+    s += " /p:" + StringReplaceAll(Trim(props.Text()), "\r\n", ";");
+  }
+  static const char* verbosity[] = {" /v:quiet", " /v:minimal", " /v:normal", " /v:detailed",
+                                    " /v:diagnostic"};
+  if (static_cast<int>(FLogLevel) < 5) s += verbosity[static_cast<int>(FLogLevel)];
+  if (FVStudioVersion >= TVSDotNetVersion::vs2008)
+    s += FMaxCPUs == 0 ? " /m" : " /m:" + std::to_string(FMaxCPUs);
+  return s;
+}
+
+// ---- compiler output -----------------------------------------------------------------------
+
+void TQvCustomVSDotNetAction::OnStdErrData(IQvProcess*, std::string_view chunk) {
+  SendMessage(std::string(chunk));
+}
+
+void TQvCustomVSDotNetAction::OnStdOutData(IQvProcess*, std::string_view chunk) {
+  if (!FProjectsFailed && FVStudioVersion <= TVSDotNetVersion::vs2003)
+    FProjectsFailed = ExecRegExpr(": \\d+ succeeded, \\d*[1-9]\\d* failed, \\d+ skipped", chunk);
+  ForEachLine(chunk, [this](std::string_view line) { ClassifyOutputLine(line); });
+}
+
+namespace {
+
+// The separators that frame a whole word: white space, "|", "=", ";", "," and ".".
+inline bool IsWordFrame(char c) {
+  switch (c) {
+    case ' ':
+    case '\t':
+    case '\n':
+    case '\v':
+    case '\f':
+    case '\r':
+    case '|':
+    case '=':
+    case ';':
+    case ',':
+    case '.':
+      return true;
+    default:
+      return false;
+  }
+}
+
+// True when `word` stands in the lower-cased `line` with a separator directly before and
+// after it (so never at the very start or end of the line).
+bool HasFramedWord(std::string_view line, std::string_view word) {
+  for (size_t at = line.find(word, 1); at != std::string_view::npos; at = line.find(word, at + 1))
+    if (at + word.size() < line.size() && IsWordFrame(line[at - 1]) &&
+        IsWordFrame(line[at + word.size()]))
+      return true;
+  return false;
+}
+
+TStatusTag ClassifyByWords(std::string_view line) {
+  thread_local std::string lower;
+  lower.assign(line);
+  for (char& c : lower)
+    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c + 32);
+  if (HasFramedWord(lower, "error")) return TStatusTag::Error;
+  if (HasFramedWord(lower, "failed") && !HasFramedWord(lower, "0 failed")) return TStatusTag::Error;
+  if (HasFramedWord(lower, "warning")) return TStatusTag::Warning;
+  if (HasFramedWord(lower, "succeeded") && !HasFramedWord(lower, "0 succeeded"))
+    return TStatusTag::Success;
+  return TStatusTag::Plain;
+}
+
+// The number before `marker` in `text`: leading blanks and tabs allowed, 0 otherwise.
+int CountBefore(std::string_view text, std::string_view marker) {
+  size_t at = text.find(marker);
+  return StrToIntDef(text.substr(0, at == std::string_view::npos ? 0 : at), 0);
+}
+
+}  // namespace
+
+void TQvCustomVSDotNetAction::ReadDevEnvSummary(std::string_view line) {
+  constexpr std::string_view kComplete = " complete -- ";
+  size_t at = line.find(kComplete);
+  if (at == std::string_view::npos) return;
+  std::string_view counts = line.substr(at + kComplete.size());
+  SendMetricInt("Compiler", "Errors", CountBefore(counts, " errors"));
+  size_t comma = counts.find(',');
+  std::string_view rest =
+      counts.substr(std::min(counts.size(), comma == std::string_view::npos ? 1 : comma + 2));
+  SendMetricInt("Compiler", "Warnings", CountBefore(rest, " warnings"));
+}
+
+bool TQvCustomVSDotNetAction::ReadMSBuildSummary(std::string_view line) {
+  bool matched = false;
+  if (line.find(" Error(s)") != std::string_view::npos) {
+    SendMetricInt("Compiler", "Errors", CountBefore(line, " Error(s)"));
+    SendMessage(std::string(line), TStatusTag::Error);
+    matched = true;
+  }
+  if (line.find(" Warning(s)") != std::string_view::npos) {
+    SendMetricInt("Compiler", "Warnings", CountBefore(line, " Warning(s)"));
+    SendMessage(std::string(line), TStatusTag::Warning);
+    matched = true;
+  }
+  return matched;
+}
+
+void TQvCustomVSDotNetAction::ClassifyOutputLine(std::string_view line) {
+  if (!UsingMSBuild()) {
+    ReadDevEnvSummary(line);
+  } else if (FStructuredOutput) {
+    FStructuredOutputHelper->ProcessLine(line);
+    return;
+  } else if (ReadMSBuildSummary(line)) {
+    return;
+  }
+  SendMessage(std::string(line), ClassifyByWords(line));
+}
+
+}  // namespace qv

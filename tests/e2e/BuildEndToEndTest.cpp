@@ -1,0 +1,373 @@
+// The build action run for real through qvhost: with Mono's xbuild behind the MSBuild.exe
+// launcher, and with the devenv.com stand-in where Visual Studio itself would run.
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <filesystem>
+#include <fstream>
+#include <thread>
+
+#include "support/JsonLines.h"
+#include "support/RunCommand.h"
+#include "support/TempDir.h"
+
+extern char** environ;
+
+using qvtest::RunCommand;
+using qvtest::ShellQuote;
+using qvtest::TempDir;
+
+namespace {
+
+namespace fs = std::filesystem;
+
+const std::string kBin = QV_OUTPUT_DIR;
+const std::string kQvhost = kBin + "/qvhost";
+const std::string kStandIn = kBin + "/standins/devenv/devenv.com";
+const std::string kFixtures = QV_FIXTURES_DIR;
+
+// One qvhost session: its own options, key and stand-in folders, and a copy of the samples.
+struct Session {
+  TempDir dir;
+  std::string samples = dir.Path() + "/samples";
+  std::string standinDir = dir.Path() + "/standin";
+  std::string fakeFx = dir.Path() + "/fakefx";
+
+  Session() {
+    fs::copy(QV_EXAMPLES_DIR, samples, fs::copy_options::recursive);
+    fs::create_directories(standinDir);
+    fs::create_directories(fakeFx);
+    fs::copy_file(kStandIn, fakeFx + "/MSBuild.exe");
+    std::string devenv = kBin + "/standins/devenv/";
+    dir.Write("options.xml",
+              "<QvOptions><Section key=\"VisualStudioDotNet\">"
+              "<Value name=\"MSDevPath2003\" type=\"string\">" +
+                  devenv +
+                  "</Value>"
+                  "<Value name=\"MSDevPath2008\" type=\"string\">" +
+                  devenv +
+                  "</Value>"
+                  "<Value name=\"DefVSVersion\" type=\"integer\">3</Value>"
+                  "</Section></QvOptions>");
+  }
+
+  // qvhost with this session's environment, options and package, logging JSON lines.
+  std::string Qvhost(const std::string& framework) const {
+    return "env QV_STANDIN_DIR=" + ShellQuote(standinDir) +
+           " XDG_CONFIG_HOME=" + ShellQuote(dir.Path()) +
+           " QV_KEY_FILE=" + ShellQuote(dir.File("key")) + " " + kQvhost +
+           " --no-default-packages --package " + ShellQuote(kBin + "/QvVisualStudioDotNet.qvp") +
+           " --options " + ShellQuote(dir.File("options.xml")) +
+           " --log-format jsonl --framework v3.5=" + ShellQuote(framework);
+  }
+
+  std::string Command(const std::string& framework, const std::vector<std::string>& props) const {
+    std::string cmd = Qvhost(framework) + " exec TQvVSDotNetAction";
+    for (const auto& p : props)
+      cmd += " " + ShellQuote(p);
+    return cmd;
+  }
+
+  qvtest::CommandResult Exec(const std::vector<std::string>& props,
+                             const std::string& framework = kBin + "/mono") const {
+    return RunCommand(Command(framework, props));
+  }
+
+  // The stand-in's calls: the working folder, then the arguments.
+  std::vector<std::vector<std::string>> Calls() const {
+    std::vector<std::vector<std::string>> calls;
+    std::ifstream in(standinDir + "/calls.txt");
+    for (std::string line; std::getline(in, line);) {
+      std::vector<std::string> fields(1);
+      for (size_t i = 0; i < line.size(); ++i) {
+        if (line[i] == '\t') {
+          fields.emplace_back();
+        } else if (line[i] == '\\' && i + 1 < line.size()) {
+          char e = line[++i];
+          fields.back() += e == 't' ? '\t' : e == 'n' ? '\n' : e;
+        } else {
+          fields.back() += line[i];
+        }
+      }
+      calls.push_back(fields);
+    }
+    return calls;
+  }
+
+  void StandIn(const std::string& file, const std::string& content) const {
+    std::ofstream(standinDir + "/" + file, std::ios::binary) << content;
+  }
+};
+
+struct Log {
+  std::vector<std::map<std::string, std::string>> events;
+  explicit Log(const std::string& out) : events(qvtest::ParseJsonLines(out)) {}
+  // Messages as "[tag] text".
+  std::vector<std::string> Messages() const {
+    std::vector<std::string> r;
+    for (const auto& e : events)
+      if (e.at("event") == "message") r.push_back("[" + e.at("tag") + "] " + e.at("text"));
+    return r;
+  }
+  bool Has(const std::string& message) const {
+    auto m = Messages();
+    return std::find(m.begin(), m.end(), message) != m.end();
+  }
+  std::vector<std::string> Groups() const {
+    std::vector<std::string> r;
+    for (const auto& e : events)
+      if (e.at("event") == "groupStart") r.push_back(e.at("title"));
+    return r;
+  }
+  std::map<std::string, std::string> Metrics() const {
+    std::map<std::string, std::string> r;
+    for (const auto& e : events)
+      if (e.at("event") == "metric") r[e.at("group") + "." + e.at("name")] = e.at("value");
+    return r;
+  }
+};
+
+std::string Slurp(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  return std::string((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+}
+
+bool HaveXbuild() {
+  return RunCommand("command -v xbuild").exitCode == 0 &&
+         fs::exists(kBin + "/Quorvex.MSBuild.Tasks.dll");
+}
+
+// ---- devenv stand-in ------------------------------------------------------------------------
+
+TEST(DevEnv, SolutionAndProjectCommandLines) {
+  Session s;
+  std::string sln = s.samples + "/vs2008/Mixed.sln";
+  auto r = s.Exec({"Solution=" + sln, "SolutionConfiguration=Release|Win32",
+                   "VStudioVersion=vs2008", "UseMSBuild=False"});
+  ASSERT_EQ(r.exitCode, 0) << r.out << r.err;
+  EXPECT_TRUE(Log(r.out).Has("[0] Running " + kStandIn +
+                             " with parameters : /build \"Release|Win32\" \"" + sln + "\""))
+      << r.out;
+  r = s.Exec({"Solution=" + sln, "SolutionConfiguration=Release|Win32", "VStudioVersion=vs2008",
+              "UseMSBuild=False", "BuildType=btSelectedProjects",
+              "SelectedProjects=GreetingNative"});
+  ASSERT_EQ(r.exitCode, 0) << r.out << r.err;
+  EXPECT_TRUE(Log(r.out).Has("[0] Running " + kStandIn +
+                             " with parameters : /build \"Release|Win32\"/project "
+                             "\"GreetingNative\\GreetingNative.vcproj\" \"" +
+                             sln + "\""))
+      << r.out;
+  auto calls = s.Calls();
+  ASSERT_EQ(calls.size(), 2u);
+  EXPECT_EQ(calls[0],
+            (std::vector<std::string>{s.samples + "/vs2008", "/build", "Release|Win32", sln}));
+  // Split as the Windows C runtime would: the quoted configuration runs into "/project".
+  EXPECT_EQ(calls[1],
+            (std::vector<std::string>{s.samples + "/vs2008", "/build", "Release|Win32/project",
+                                      "GreetingNative\\GreetingNative.vcproj", sln}));
+}
+
+TEST(DevEnv, FailedProjectsInA2003SummaryFailTheBuild) {
+  Session s;
+  s.StandIn("default.out", Slurp(kFixtures + "/devenv/vs2003-one-failed.txt"));
+  auto r = s.Exec({"Solution=" + s.samples + "/vs2003/Billing.sln", "SolutionConfiguration=Release",
+                   "VStudioVersion=vs2003"});
+  EXPECT_EQ(r.exitCode, 1) << r.out;
+  Log log(r.out);
+  EXPECT_TRUE(log.Has("[3] One or more projects failed to build.")) << r.out;
+  EXPECT_TRUE(
+      log.Has("[3] c:\\src\\NativeCalc\\NativeCalc.cpp(12) : error C2065: 'total' : "
+              "undeclared identifier"));
+  EXPECT_TRUE(log.Has("[0] Build complete -- 0 errors, 0 warnings"));
+  EXPECT_EQ(log.Metrics()["Compiler.Errors"], "0");
+
+  Session ok;
+  ok.StandIn("default.out", Slurp(kFixtures + "/devenv/vs2003-succeeded.txt"));
+  r = ok.Exec({"Solution=" + ok.samples + "/vs2003/Billing.sln", "SolutionConfiguration=Release",
+               "VStudioVersion=vs2003"});
+  EXPECT_EQ(r.exitCode, 0) << r.out;
+  EXPECT_TRUE(Log(r.out).Has("[1]     Build: 2 succeeded, 0 failed, 0 skipped"));
+}
+
+TEST(DevEnv, SetupProjectsAreBuiltWithDevEnvUnderMSBuild) {
+  Session s;
+  s.StandIn("default.out", Slurp(kFixtures + "/devenv/vs2008-succeeded.txt"));
+  std::string sln = s.samples + "/vs2008/Mixed.sln";
+  auto r = s.Exec(
+      {"Solution=" + sln, "SolutionConfiguration=Release|Any CPU", "VStudioVersion=vs2008",
+       "BuildType=btSelectedProjects", "SelectedProjects=GreetingSetup", "StructuredOutput=False"},
+      s.fakeFx);
+  ASSERT_EQ(r.exitCode, 0) << r.out << r.err;
+  Log log(r.out);
+  EXPECT_TRUE(
+      log.Has("[2] Warning : Setup project GreetingSetup cannot be built with MSBuild. "
+              "This project will be built with VisualStudio instead."));
+  EXPECT_TRUE(
+      log.Has("[1] ========== Build: 2 succeeded, 0 failed, 0 up-to-date, 0 skipped =========="))
+      << "read by the MSBuild rules as the action is set to MSBuild";
+  ASSERT_EQ(s.Calls().size(), 1u);
+  EXPECT_EQ(s.Calls()[0][2], "Release|Any CPU/project");
+}
+
+bool ProcessGone(pid_t pid) {
+  std::ifstream stat("/proc/" + std::to_string(pid) + "/stat");
+  std::string text((std::istreambuf_iterator<char>(stat)), std::istreambuf_iterator<char>());
+  size_t close = text.rfind(')');
+  return text.empty() || (close != std::string::npos && text.substr(close + 2, 1) == "Z");
+}
+
+TEST(DevEnv, TerminationStopsTheCompilerAndItsChildren) {
+  Session s;
+  s.StandIn("run1.wait", "child");
+  std::string out = s.dir.File("qvhost.out");
+  std::string cmd =
+      s.Command(kBin + "/mono", {"Solution=" + s.samples + "/vs2008/Mixed.sln",
+                                 "SolutionConfiguration=Release|Win32", "UseMSBuild=False"}) +
+      " >" + ShellQuote(out) + " 2>&1";
+  pid_t shell = 0;
+  const char* argv[] = {"/bin/sh", "-c", cmd.c_str(), nullptr};
+  ASSERT_EQ(posix_spawn(&shell, "/bin/sh", nullptr, nullptr, const_cast<char**>(argv), environ), 0);
+  std::string started = s.standinDir + "/run1.started";
+  for (int i = 0; i < 200 && !fs::exists(s.standinDir + "/run1.child"); ++i)
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+  for (int i = 0; i < 100 && !fs::exists(started); ++i)
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+  ASSERT_TRUE(fs::exists(started)) << Slurp(out);
+  pid_t standin = std::stoi(Slurp(started));
+  pid_t child = std::stoi(Slurp(s.standinDir + "/run1.child"));
+  // The shell runs qvhost as its only child: signal qvhost itself.
+  std::string pgrep = RunCommand("pgrep -P " + std::to_string(shell) + " qvhost").out;
+  pid_t host = pgrep.empty() ? shell : std::stoi(pgrep);
+  kill(host, SIGINT);
+  int status = 0;
+  waitpid(shell, &status, 0);
+  EXPECT_EQ(WEXITSTATUS(status), 1);
+  std::string text = Slurp(out);
+  EXPECT_TRUE(Log(text).Has("[3] Action Terminated by User.")) << text;
+  for (int i = 0; i < 60 && !(ProcessGone(standin) && ProcessGone(child)); ++i)
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+  EXPECT_TRUE(ProcessGone(standin));
+  EXPECT_TRUE(ProcessGone(child)) << "the compiler's own children are stopped too";
+}
+
+// ---- MSBuild with Mono's xbuild ----------------------------------------------------------
+
+class XBuild : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    if (!HaveXbuild()) GTEST_SKIP() << "xbuild or the logger assembly is not installed";
+  }
+  Session s;
+  std::string Sln() const { return s.samples + "/vs2008/Greeting.sln"; }
+  std::vector<std::string> Base(const std::string& config = "Release|Any CPU") const {
+    return {"Solution=" + Sln(), "SolutionConfiguration=" + config, "VStudioVersion=vs2008"};
+  }
+  static std::vector<std::string> With(std::vector<std::string> a, std::vector<std::string> b) {
+    a.insert(a.end(), b.begin(), b.end());
+    return a;
+  }
+};
+
+TEST_F(XBuild, BuildsTheWholeSolution) {
+  auto r = s.Exec(Base());
+  ASSERT_EQ(r.exitCode, 0) << r.out << r.err;
+  EXPECT_TRUE(fs::exists(s.samples + "/vs2008/Greeting.Lib/bin/Release/Greeting.Lib.dll"));
+  EXPECT_TRUE(fs::exists(s.samples + "/vs2008/Greeting.Console/bin/Release/Greeting.Console.exe"));
+  Log log(r.out);
+  EXPECT_EQ(log.Metrics()["Compiler.Errors"], "0");
+  EXPECT_EQ(log.Metrics()["Compiler.Warnings"], "0");
+  auto groups = log.Groups();
+  EXPECT_NE(std::find(groups.begin(), groups.end(), "Project Greeting.Lib.csproj"), groups.end())
+      << r.out;
+}
+
+TEST_F(XBuild, SelectedProjectsInDependencyOrderAndRebuild) {
+  auto r = s.Exec(
+      With(Base(), {"BuildType=btSelectedProjects",
+                    "SelectedProjects=Greeting.Console\\nGreeting.Lib", "BuildAction=baRebuild"}));
+  ASSERT_EQ(r.exitCode, 0) << r.out << r.err;
+  std::vector<std::string> order;
+  for (const auto& g : Log(r.out).Groups())
+    if (g == "Cleaning Projects" ||
+        (g.rfind("Project Greeting.", 0) == 0 && g.find(".csproj") == std::string::npos))
+      order.push_back(g);
+  EXPECT_EQ(order, (std::vector<std::string>{"Cleaning Projects", "Project Greeting.Lib",
+                                             "Project Greeting.Console", "Project Greeting.Lib",
+                                             "Project Greeting.Console"}));
+  EXPECT_TRUE(fs::exists(s.samples + "/vs2008/Greeting.Console/bin/Release/Greeting.Console.exe"));
+}
+
+TEST_F(XBuild, CompileErrorsFailTheActionWithTheirPosition) {
+  std::string source = s.samples + "/vs2008/Greeting.Lib/Greeter.cs";
+  std::string text = Slurp(source);
+  size_t brace = text.rfind('}');
+  brace = text.rfind('}', brace - 1);
+  text.insert(brace, "    public static int Broken() { return missingName; }\r\n    ");
+  std::ofstream(source, std::ios::binary) << text;
+  auto r = s.Exec(Base());
+  EXPECT_EQ(r.exitCode, 1);
+  Log log(r.out);
+  bool found = false;
+  for (const auto& m : log.Messages())
+    found = found || (m.rfind("[3] ", 0) == 0 && m.find("Greeter.cs(") != std::string::npos &&
+                      m.find("): error CS0103: ") != std::string::npos);
+  EXPECT_TRUE(found) << r.out;
+  EXPECT_EQ(log.Metrics()["Compiler.Errors"], "1");
+}
+
+TEST_F(XBuild, BadWarningListFailsWithTheExactMessage) {
+  auto r = s.Exec(With(Base(), {"OverrideWarnings=True", "SelectedWarningsAsErrors=True",
+                                "WarningsAsErrors=CS1591"}));
+  EXPECT_EQ(r.exitCode, 1);
+  EXPECT_TRUE(
+      Log(r.out).Has("[3] Warnings As Errors list \"CS1591\" is not valid. Only warning "
+                     "numbers, separated by semicolons, can be specified."))
+      << r.out;
+}
+
+TEST_F(XBuild, QuotedValuesReachTheCompilerIntact) {
+  auto r =
+      s.Exec(With(Base(), {"OverrideCompiler=True", "CompilerConstants=EXTRA", "DebugConstant=True",
+                           "TraceConstant=True", "BuildType=btSelectedProjects",
+                           "SelectedProjects=Greeting.Console"}));
+  ASSERT_EQ(r.exitCode, 0) << r.out << r.err;
+  auto run =
+      RunCommand("mono " + ShellQuote(s.samples +
+                                      "/vs2008/Greeting.Console/bin/Release/Greeting.Console.exe"));
+  EXPECT_NE(run.out.find("DEBUG=on TRACE=on EXTRA=on"), std::string::npos) << run.out;
+}
+
+TEST_F(XBuild, DisabledWarningsAreSilenced) {
+  std::string source = s.samples + "/vs2008/Greeting.Lib/Greeter.cs";
+  std::string text = Slurp(source);
+  size_t brace = text.rfind('}');
+  brace = text.rfind('}', brace - 1);
+  text.insert(brace,
+              "    private int unusedField;\r\n"
+              "    public static void Noisy() { int assigned = 1; }\r\n    ");
+  std::ofstream(source, std::ios::binary) << text;
+  auto r = s.Exec(Base());
+  ASSERT_EQ(r.exitCode, 0) << r.out;
+  EXPECT_EQ(Log(r.out).Metrics()["Compiler.Warnings"], "2") << r.out;
+  r = s.Exec(With(Base(), {"BuildAction=baRebuild", "OverrideWarnings=True",
+                           "DisableSelectedWarnings=True", "DisableWarnings=0169;0219"}));
+  ASSERT_EQ(r.exitCode, 0) << r.out;
+  EXPECT_EQ(Log(r.out).Metrics()["Compiler.Warnings"], "0") << r.out;
+}
+
+TEST_F(XBuild, TheDemoBuildProcessRuns) {
+  auto r = RunCommand(s.Qvhost(kBin + "/mono") + " run " +
+                      ShellQuote(std::string(QV_EXAMPLES_DIR) + "/demo/Greeting.qvproj") +
+                      " --var DEMO=" + ShellQuote(s.samples));
+  ASSERT_EQ(r.exitCode, 0) << r.out << r.err;
+  auto run = RunCommand(
+      "mono " + ShellQuote(s.samples + "/vs2008/Greeting.Console/bin/Debug/Greeting.Console.exe"));
+  EXPECT_NE(run.out.find("DEBUG=on TRACE=on EXTRA=on"), std::string::npos) << run.out;
+  EXPECT_TRUE(fs::exists(s.samples + "/vs2008/Greeting.Console/bin/Release/Greeting.Console.exe"));
+}
+
+}  // namespace

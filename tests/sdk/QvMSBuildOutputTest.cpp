@@ -1,0 +1,252 @@
+#include "QvMSBuildOutput.h"
+
+#include <gtest/gtest.h>
+
+#include <vector>
+
+#include "QvActions.h"
+#include "support/RecordingActionContext.h"
+
+using namespace qv;
+using qvtest::RecordingActionContext;
+
+namespace {
+
+class TOutputAction : public TQvMultiExecAction {
+ public:
+  std::string GetActionName() const override { return "Output Action"; }
+  bool Execute() override { return true; }
+};
+
+// A helper bound to a recording action, started for one run of /src/App.sln.
+struct Reader {
+  qv::IntfPtr<RecordingActionContext> ctx = RecordingActionContext::Create();
+  TOutputAction action;
+  TQvMSBuildStructuredOutputHelper helper{&action};
+
+  explicit Reader(bool enabled = true) {
+    action.BindContext(ctx);
+    helper.Start("/src/App.sln", enabled);
+  }
+  void Feed(const std::vector<std::string>& lines) {
+    for (const auto& line : lines)
+      helper.ProcessLine(line);
+  }
+};
+
+TEST(MSBuildStructuredOutput, LoggerLinesGiveOneGroupPerBuiltProject) {
+  Reader r;
+  r.Feed({
+      "@@qv:buildStarted",
+      "@@qv:projectStarted\t/src/App.sln\tBuild",
+      "@@qv:message\tNormal\tBuilding solution configuration \"Release|Any CPU\".",
+      "@@qv:projectStarted\t/src/Lib/Lib.csproj\t",
+      "@@qv:message\tHigh\tConfiguration: Release Platform: AnyCPU",
+      "@@qv:projectFinished\t/src/Lib/Lib.csproj\tTrue",
+      "@@qv:projectStarted\t/src/App/App.csproj.metaproj\tBuild",
+      "@@qv:projectStarted\t/src/App/App.csproj\t",
+      "@@qv:projectStarted\t/src/Lib/Lib.csproj\tGetTargetPath",
+      "@@qv:projectFinished\t/src/Lib/Lib.csproj\tTrue",
+      "@@qv:projectStarted\t/src/Lib/Lib.csproj\tGetNativeManifest;GetCopyToOutputDirectoryItems",
+      "@@qv:projectFinished\t/src/Lib/Lib.csproj\tTrue",
+      "@@qv:targetStarted\tan unknown kind\tis ignored",
+      "@@qv:warning\t/src/App/App.csproj\tMain.cs\t7\t0\tCS1030\t#warning: `Half done'",
+      "@@qv:error\t/src/App/App.csproj\tMain.cs\t8\t32\tCS0103\tThe name `x' does not exist",
+      "@@qv:message\tLow\tfields a later logger adds\tare ignored",
+      "@@qv:projectFinished\t/src/Never/Started.csproj\tTrue",
+      "@@qv:projectFinished\t/src/App/App.csproj\tFalse",
+      "@@qv:projectFinished\t/src/App/App.csproj.metaproj\tFalse",
+      "@@qv:projectFinished\t/src/App.sln\tFalse",
+      "@@qv:buildFinished\tFalse",
+  });
+  EXPECT_EQ(r.ctx->Transcript(),
+            "[0] Building solution configuration \"Release|Any CPU\".\n"
+            "> Project Lib.csproj (type 0) [0]\n"
+            "  [0] Configuration: Release Platform: AnyCPU\n"
+            "< [1]\n"
+            "> Project App.csproj (type 0) [0]\n"
+            "  [2] Main.cs(7): warning CS1030: #warning: `Half done'\n"
+            "  [3] Main.cs(8,32): error CS0103: The name `x' does not exist\n"
+            "  [0] fields a later logger adds\n"
+            "< [3]\n");
+  EXPECT_EQ(r.helper.GetErrorCount(), 1);
+  EXPECT_EQ(r.helper.GetWarningCount(), 1);
+}
+
+TEST(MSBuildStructuredOutput, FormatsDiagnosticsCanonically) {
+  struct Case {
+    const char* name;
+    std::vector<std::string> lines;  // fed while /src/Lib/Lib.csproj builds
+    std::string expected;            // the last message, as "[T] text"
+  };
+  const Case cases[] = {
+      {"no column",
+       {"@@qv:warning\t/src/Lib/Lib.csproj\ta.cs\t3\t0\tCS2\tm"},
+       "[2] a.cs(3): warning CS2: m"},
+      {"no position", {"@@qv:warning\t\ta.resx\t0\t0\tMSB3\tm"}, "[2] a.resx : warning MSB3: m"},
+      {"no file", {"@@qv:error\t\t\t0\t0\tMSB4\tm"}, "[3] MSBUILD : error MSB4: m"},
+      {"no code, bad numbers", {"@@qv:error\t\ta.cs\t1\tx\t\tm"}, "[3] a.cs(1): error : m"},
+      {"escaped fields",
+       {"@@qv:error\t\tC:\\\\src\\\\a b.cs\t1\t2\tCS3\tcol\\t1\\r\\nnext \\\\n \\q\\"},
+       "[3] C:\\src\\a b.cs(1,2): error CS3: col\t1\r\nnext \\n \\q\\"},
+      {"raised inside an internal call",
+       {"@@qv:projectStarted\t/src/Other/Other.csproj\tGetTargetPath",
+        "@@qv:error\t/src/Other/Other.csproj\ta.cs\t1\t1\tCS4\tm"},
+       "[3] a.cs(1,1): error CS4: m [/src/Other/Other.csproj]"},
+      {"raised by the solution about itself",
+       {"@@qv:projectFinished\t/src/Lib/Lib.csproj\tFalse",
+        "@@qv:error\t/src/App.sln\t/src/App.sln\t0\t0\tMSB3202\tnot found"},
+       "[3] /src/App.sln : error MSB3202: not found"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    Reader r;
+    r.Feed(
+        {"@@qv:projectStarted\t/src/App.sln\tBuild", "@@qv:projectStarted\t/src/Lib/Lib.csproj\t"});
+    r.Feed(c.lines);
+    auto messages = r.ctx->Messages();
+    ASSERT_FALSE(messages.empty());
+    EXPECT_EQ(messages.back(), c.expected);
+    EXPECT_EQ(r.helper.GetErrorCount() + r.helper.GetWarningCount(), 1);
+  }
+}
+
+TEST(MSBuildStructuredOutput, UnfinishedProjectsAreClosedSoGroupsStayBalanced) {
+  // A project whose end never arrives closes untagged with its parent; a run that stops
+  // mid-build is closed by buildFinished or, when even that is missing, by Finish.
+  Reader r;
+  r.Feed({
+      "@@qv:projectStarted\t/src/App/App.csproj\t",
+      "@@qv:projectStarted\t/src/Lib/Lib.csproj\t",
+      "@@qv:projectFinished\t/src/App/App.csproj\tTrue\r",
+      "@@qv:projectStarted\t/src/Lib/Lib.csproj\t",
+      "@@qv:buildFinished\tFalse",
+      "@@qv:projectStarted\t/src/App/App.csproj\t",
+  });
+  r.helper.Finish();
+  EXPECT_EQ(r.ctx->Transcript(),
+            "> Project App.csproj (type 0) [0]\n"
+            "  > Project Lib.csproj (type 0) [0]\n"
+            "  <\n"
+            "< [1]\n"
+            "> Project Lib.csproj (type 0) [0]\n"
+            "< [3]\n"
+            "> Project App.csproj (type 0) [0]\n"
+            "< [3]\n");
+}
+
+TEST(MSBuildStructuredOutput, ConsoleLinesAreClassifiedAndTheSummaryCountsWin) {
+  // xbuild without the logger: each diagnostic comes twice, the second time tab-indented in
+  // its closing sections; blank lines are skipped.
+  Reader r;
+  r.Feed({
+      ">>>> xbuild tool is deprecated and will be removed in future updates, use msbuild "
+      "instead <<<<",
+      "",
+      "Greeter.cs(7): warning CS1030: #warning: `Half done'",
+      "Greeter.cs(8,32): error CS0103: The name `x' does not exist",
+      "Errors:",
+      "\tGreeter.cs(8,32): error CS0103: The name `x' does not exist",
+      "\t 1 Warning(s)",
+      "\t 1 Error(s)",
+  });
+  EXPECT_EQ(r.ctx->Transcript(),
+            "[0] >>>> xbuild tool is deprecated and will be removed in future updates, use "
+            "msbuild instead <<<<\n"
+            "[2] Greeter.cs(7): warning CS1030: #warning: `Half done'\n"
+            "[3] Greeter.cs(8,32): error CS0103: The name `x' does not exist\n"
+            "[0] Errors:\n"
+            "[3] \tGreeter.cs(8,32): error CS0103: The name `x' does not exist\n"
+            "[2] \t 1 Warning(s)\n"
+            "[3] \t 1 Error(s)\n");
+  EXPECT_EQ(r.helper.GetErrorCount(), 1);
+  EXPECT_EQ(r.helper.GetWarningCount(), 1);
+}
+
+TEST(MSBuildStructuredOutput, ConsoleCounts) {
+  struct Case {
+    const char* name;
+    std::vector<std::string> lines;
+    int errors, warnings;
+  };
+  const Case cases[] = {
+      {"counted as they come",
+       {"a.cs(1,1): error CS1: x", "MSBUILD : error MSB1009: No project.",
+        "b.cs(2): warning CS2: y"},
+       2,
+       1},
+      {"summary with blanks",
+       {"a.cs(1,1): error CS1: x", "    12 Error(s)", "     0 Warning(s)"},
+       12,
+       0},
+      {"summary with a tab and trailing blanks", {"\t 3 Warning(s)  \r"}, 0, 3},
+      {"not a summary", {"3 Error(s) found", "Error(s)", "x 3 Error(s)", " 3  Error(s)"}, 0, 0},
+      {"runs of several projects add up",
+       {"a.cs(1,1): warning CS1: x", "\ta.cs(1,1): warning CS1: x", "\t 1 Warning(s)",
+        "\t 0 Error(s)", "b.cs(2,2): error CS2: y", "\tb.cs(2,2): error CS2: y", "\t 0 Warning(s)",
+        "\t 1 Error(s)"},
+       1,
+       1},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    Reader r;
+    r.Feed(c.lines);
+    EXPECT_EQ(r.helper.GetErrorCount(), c.errors);
+    EXPECT_EQ(r.helper.GetWarningCount(), c.warnings);
+  }
+}
+
+TEST(MSBuildStructuredOutput, ClassifiesCanonicalConsoleLines) {
+  const std::pair<const char*, int> cases[] = {
+      {"\tGreeter.cs(8): warning CS1030: text", 2},
+      {"C:\\src\\a.cs(1,2): warning CS0168: unused", 2},
+      {"12>C:\\src\\a.cs(3,4): error CS1002: ; expected", 3},
+      {"a: error X: an origin of one letter is no drive", 3},
+      {"error CS2001: Source file `x.cs' could not be found", 3},
+      {"CSC : fatal error CS0009: Metadata file could not be opened", 3},
+      {"a.cs(1,1): ERROR cs1: upper case", 3},
+      {"a.cs: warning: no code", 2},
+      {"Warnings:", 0},
+      {"\tTarget CoreCompile:", 0},
+      {"Tool mcs.exe execution started with arguments: /noconfig /warn:4", 0},
+      {"a.cs(1,1): errors CS1: plural", 0},
+      {"a.cs(1,1): error CS1 CS2: two codes", 0},
+      {"a.cs(1,1): myerror CS1: glued word", 0},
+  };
+  for (const auto& [line, tag] : cases) {
+    SCOPED_TRACE(line);
+    Reader r;
+    r.Feed({line});
+    EXPECT_EQ(r.ctx->Messages(), std::vector<std::string>{"[" + std::to_string(tag) + "] " + line});
+  }
+}
+
+TEST(MSBuildStructuredOutput, OnceTheLoggerSpeaksConsoleLinesNoLongerCount) {
+  Reader r;
+  r.Feed({"@@qv:buildStarted", "a.cs(1,1): error CS1: printed by another logger", "\t 5 Error(s)",
+          "@@qv:error\t\ta.cs\t1\t1\tCS1\tm"});
+  EXPECT_EQ(r.ctx->Messages(),
+            (std::vector<std::string>{"[3] a.cs(1,1): error CS1: printed by another logger",
+                                      "[3] \t 5 Error(s)", "[3] a.cs(1,1): error CS1: m"}));
+  EXPECT_EQ(r.helper.GetErrorCount(), 1);
+}
+
+TEST(MSBuildStructuredOutput, DisabledHelperIgnoresEverythingAndStartResets) {
+  Reader r(false);
+  r.Feed({"a.cs(1,1): error CS1: x", "@@qv:projectStarted\t/src/Lib/Lib.csproj\t"});
+  EXPECT_EQ(r.ctx->Transcript(), "");
+  EXPECT_EQ(r.helper.GetErrorCount(), 0);
+
+  r.helper.Start("/src/App.sln", true);
+  r.Feed({"@@qv:projectStarted\t/src/Lib/Lib.csproj\t", "@@qv:error\t\ta.cs\t1\t1\tCS1\tm"});
+  EXPECT_EQ(r.helper.GetErrorCount(), 1);
+  // A new run forgets the counts, the open project and that the logger was seen.
+  r.helper.Start("/src/App.sln", true);
+  r.Feed({"\t 2 Warning(s)", "@@qv:projectFinished\t/src/Lib/Lib.csproj\tFalse"});
+  EXPECT_EQ(r.helper.GetErrorCount(), 0);
+  EXPECT_EQ(r.helper.GetWarningCount(), 2);
+  EXPECT_EQ(r.ctx->Depth, 1);  // the first run's group stays open: Finish was not called
+}
+
+}  // namespace

@@ -1,0 +1,18 @@
+// Reading the host's JSON-lines log in tests: one flat object per line.
+#pragma once
+
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace qvtest {
+
+// The members of one flat JSON object (strings decoded, numbers and literals as written).
+// Throws std::runtime_error on anything else.
+std::map<std::string, std::string> ParseFlatJson(std::string_view line);
+
+// Every line of `text` parsed; blank lines skipped.
+std::vector<std::map<std::string, std::string>> ParseJsonLines(std::string_view text);
+
+}  // namespace qvtest

@@ -1,0 +1,114 @@
+// A stand-in for Windows-only command-line tools (devenv.com, MSTest.exe): it records how
+// it was called and replays a transcript the test prepared.
+//
+// Everything is steered through the folder named by QV_STANDIN_DIR:
+//   calls.txt        one line per call: the working folder, then each argument, separated
+//                    by tabs (tabs, newlines and backslashes in them escaped as \t \n \\)
+//   runN.out         what call number N (from 1) writes to standard output, byte for byte;
+//                    default.out when there is no runN.out
+//   runN.err         the same for standard error (default.err)
+//   runN.exit        its exit code as decimal text (default.exit; 0 when neither exists)
+//   runN.wait        when present, the call writes runN.started with its process id (and,
+//                    when the file says "child", starts a child process whose id goes to
+//                    runN.child) and then waits up to a minute to be terminated.
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <sstream>
+#include <string>
+
+namespace {
+
+std::string Escape(const std::string& s) {
+  std::string r;
+  for (char c : s) {
+    if (c == '\t')
+      r += "\\t";
+    else if (c == '\n')
+      r += "\\n";
+    else if (c == '\\')
+      r += "\\\\";
+    else
+      r += c;
+  }
+  return r;
+}
+
+bool ReadFile(const std::string& path, std::string& out) {
+  std::ifstream in(path, std::ios::binary);
+  if (!in) return false;
+  std::ostringstream ss;
+  ss << in.rdbuf();
+  out = ss.str();
+  return true;
+}
+
+// The file for this run, or the default one; false when neither exists.
+bool ReadRunFile(const std::string& dir, int run, const char* ext, std::string& out) {
+  return ReadFile(dir + "/run" + std::to_string(run) + ext, out) ||
+         ReadFile(dir + "/default" + ext, out);
+}
+
+int CountLines(const std::string& path) {
+  std::string text;
+  if (!ReadFile(path, text)) return 0;
+  int n = 0;
+  for (char c : text)
+    n += c == '\n';
+  return n;
+}
+
+void WriteAll(int fd, const std::string& data) {
+  size_t done = 0;
+  while (done < data.size()) {
+    ssize_t n = write(fd, data.data() + done, data.size() - done);
+    if (n <= 0) return;
+    done += static_cast<size_t>(n);
+  }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  const char* dirEnv = std::getenv("QV_STANDIN_DIR");
+  if (!dirEnv) {
+    std::fprintf(stderr, "stand-in: QV_STANDIN_DIR is not set\n");
+    return 90;
+  }
+  std::string dir = dirEnv;
+  std::string calls = dir + "/calls.txt";
+  int run = CountLines(calls) + 1;
+
+  char cwd[4096] = {};
+  if (!getcwd(cwd, sizeof cwd - 1)) cwd[0] = '?';
+  std::string line = Escape(cwd);
+  for (int i = 1; i < argc; ++i)
+    line += "\t" + Escape(argv[i]);
+  std::ofstream(calls, std::ios::app) << line << "\n";
+
+  std::string text;
+  if (ReadRunFile(dir, run, ".out", text)) WriteAll(1, text);
+  if (ReadRunFile(dir, run, ".err", text)) WriteAll(2, text);
+
+  std::string wait;
+  if (ReadRunFile(dir, run, ".wait", wait)) {
+    if (wait.find("child") != std::string::npos) {
+      pid_t child = fork();
+      if (child == 0) {
+        execlp("sleep", "sleep", "60", static_cast<char*>(nullptr));
+        _exit(127);
+      }
+      std::ofstream(dir + "/run" + std::to_string(run) + ".child") << child << "\n";
+    }
+    std::ofstream(dir + "/run" + std::to_string(run) + ".started") << getpid() << "\n";
+    for (int i = 0; i < 600; ++i)
+      usleep(100000);
+  }
+
+  std::string exitText;
+  return ReadRunFile(dir, run, ".exit", exitText) ? std::atoi(exitText.c_str()) : 0;
+}
