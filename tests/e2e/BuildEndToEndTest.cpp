@@ -171,6 +171,34 @@ TEST(DevEnv, SolutionAndProjectCommandLines) {
                                       "GreetingNative\\GreetingNative.vcproj", sln}));
 }
 
+TEST(DevEnv, InstallationFoundInTheRegistryIsUsedAndRemembered) {
+  Session s;
+  std::string devenv = kBin + "/standins/devenv/";
+  std::string escaped;
+  for (char c : devenv)
+    escaped += c == '\\' ? std::string("\\\\") : std::string(1, c);
+  s.dir.Write("vs.reg",
+              "Windows Registry Editor Version 5.00\r\n\r\n"
+              "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Microsoft\\VisualStudio\\9.0]\r\n"
+              "\"InstallDir\"=\"" +
+                  escaped + "\"\r\n");
+  s.dir.Write("options.xml", "<QvOptions/>");
+  std::string sln = s.samples + "/vs2008/Mixed.sln";
+  auto r = RunCommand(
+      s.Command(kBin + "/mono",
+                {"Solution=" + sln, "SolutionConfiguration=Release|Win32", "UseMSBuild=False"}) +
+      " --registry " + ShellQuote(s.dir.File("vs.reg")));
+  ASSERT_EQ(r.exitCode, 0) << r.out << r.err;
+  EXPECT_TRUE(Log(r.out).Has("[0] Running " + devenv +
+                             "devenv.com with parameters : /build "
+                             "\"Release|Win32\" \"" +
+                             sln + "\""))
+      << "vs2008 is the newest edition with a folder, so new actions default to it";
+  std::string options = Slurp(s.dir.File("options.xml"));
+  EXPECT_NE(options.find(">" + devenv + "<"), std::string::npos)
+      << "the discovered folder is saved: " << options;
+}
+
 TEST(DevEnv, FailedProjectsInA2003SummaryFailTheBuild) {
   Session s;
   s.StandIn("default.out", Slurp(kFixtures + "/devenv/vs2003-one-failed.txt"));
