@@ -131,11 +131,6 @@ struct Log {
   }
 };
 
-std::string Slurp(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  return std::string((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-}
-
 bool HaveXbuild() {
   return RunCommand("command -v xbuild").exitCode == 0 &&
          fs::exists(kBin + "/Quorvex.MSBuild.Tasks.dll");
@@ -146,15 +141,15 @@ bool HaveXbuild() {
 TEST(DevEnv, SolutionAndProjectCommandLines) {
   Session s;
   std::string sln = s.samples + "/vs2008/Mixed.sln";
-  auto r = s.Exec({"Solution=" + sln, "SolutionConfiguration=Release|Win32",
-                   "VStudioVersion=vs2008", "UseMSBuild=False"});
+  std::vector<std::string> props = {"Solution=" + sln, "SolutionConfiguration=Release|Win32",
+                                    "VStudioVersion=vs2008", "UseMSBuild=False"};
+  auto r = s.Exec(props);
   ASSERT_EQ(r.exitCode, 0) << r.out << r.err;
   EXPECT_TRUE(Log(r.out).Has("[0] Running " + kStandIn +
                              " with parameters : /build \"Release|Win32\" \"" + sln + "\""))
       << r.out;
-  r = s.Exec({"Solution=" + sln, "SolutionConfiguration=Release|Win32", "VStudioVersion=vs2008",
-              "UseMSBuild=False", "BuildType=btSelectedProjects",
-              "SelectedProjects=GreetingNative"});
+  props.insert(props.end(), {"BuildType=btSelectedProjects", "SelectedProjects=GreetingNative"});
+  r = s.Exec(props);
   ASSERT_EQ(r.exitCode, 0) << r.out << r.err;
   EXPECT_TRUE(Log(r.out).Has("[0] Running " + kStandIn +
                              " with parameters : /build \"Release|Win32\"/project "
@@ -194,14 +189,14 @@ TEST(DevEnv, InstallationFoundInTheRegistryIsUsedAndRemembered) {
                              "\"Release|Win32\" \"" +
                              sln + "\""))
       << "vs2008 is the newest edition with a folder, so new actions default to it";
-  std::string options = Slurp(s.dir.File("options.xml"));
+  std::string options = TempDir::Read(s.dir.File("options.xml"));
   EXPECT_NE(options.find(">" + devenv + "<"), std::string::npos)
       << "the discovered folder is saved: " << options;
 }
 
 TEST(DevEnv, FailedProjectsInA2003SummaryFailTheBuild) {
   Session s;
-  s.StandIn("default.out", Slurp(kFixtures + "/devenv/vs2003-one-failed.txt"));
+  s.StandIn("default.out", TempDir::Read(kFixtures + "/devenv/vs2003-one-failed.txt"));
   auto r = s.Exec({"Solution=" + s.samples + "/vs2003/Billing.sln", "SolutionConfiguration=Release",
                    "VStudioVersion=vs2003"});
   EXPECT_EQ(r.exitCode, 1) << r.out;
@@ -214,7 +209,7 @@ TEST(DevEnv, FailedProjectsInA2003SummaryFailTheBuild) {
   EXPECT_EQ(log.Metrics()["Compiler.Errors"], "0");
 
   Session ok;
-  ok.StandIn("default.out", Slurp(kFixtures + "/devenv/vs2003-succeeded.txt"));
+  ok.StandIn("default.out", TempDir::Read(kFixtures + "/devenv/vs2003-succeeded.txt"));
   r = ok.Exec({"Solution=" + ok.samples + "/vs2003/Billing.sln", "SolutionConfiguration=Release",
                "VStudioVersion=vs2003"});
   EXPECT_EQ(r.exitCode, 0) << r.out;
@@ -223,7 +218,7 @@ TEST(DevEnv, FailedProjectsInA2003SummaryFailTheBuild) {
 
 TEST(DevEnv, SetupProjectsAreBuiltWithDevEnvUnderMSBuild) {
   Session s;
-  s.StandIn("default.out", Slurp(kFixtures + "/devenv/vs2008-succeeded.txt"));
+  s.StandIn("default.out", TempDir::Read(kFixtures + "/devenv/vs2008-succeeded.txt"));
   std::string sln = s.samples + "/vs2008/Mixed.sln";
   auto r = s.Exec(
       {"Solution=" + sln, "SolutionConfiguration=Release|Any CPU", "VStudioVersion=vs2008",
@@ -239,13 +234,6 @@ TEST(DevEnv, SetupProjectsAreBuiltWithDevEnvUnderMSBuild) {
       << "read by the MSBuild rules as the action is set to MSBuild";
   ASSERT_EQ(s.Calls().size(), 1u);
   EXPECT_EQ(s.Calls()[0][2], "Release|Any CPU/project");
-}
-
-bool ProcessGone(pid_t pid) {
-  std::ifstream stat("/proc/" + std::to_string(pid) + "/stat");
-  std::string text((std::istreambuf_iterator<char>(stat)), std::istreambuf_iterator<char>());
-  size_t close = text.rfind(')');
-  return text.empty() || (close != std::string::npos && text.substr(close + 2, 1) == "Z");
 }
 
 TEST(DevEnv, TerminationStopsTheCompilerAndItsChildren) {
@@ -264,9 +252,9 @@ TEST(DevEnv, TerminationStopsTheCompilerAndItsChildren) {
     std::this_thread::sleep_for(std::chrono::milliseconds(50));
   for (int i = 0; i < 100 && !fs::exists(started); ++i)
     std::this_thread::sleep_for(std::chrono::milliseconds(50));
-  ASSERT_TRUE(fs::exists(started)) << Slurp(out);
-  pid_t standin = std::stoi(Slurp(started));
-  pid_t child = std::stoi(Slurp(s.standinDir + "/run1.child"));
+  ASSERT_TRUE(fs::exists(started)) << TempDir::Read(out);
+  pid_t standin = std::stoi(TempDir::Read(started));
+  pid_t child = std::stoi(TempDir::Read(s.standinDir + "/run1.child"));
   // The shell runs qvhost as its only child: signal qvhost itself.
   std::string pgrep = RunCommand("pgrep -P " + std::to_string(shell) + " qvhost").out;
   pid_t host = pgrep.empty() ? shell : std::stoi(pgrep);
@@ -274,12 +262,10 @@ TEST(DevEnv, TerminationStopsTheCompilerAndItsChildren) {
   int status = 0;
   waitpid(shell, &status, 0);
   EXPECT_EQ(WEXITSTATUS(status), 1);
-  std::string text = Slurp(out);
+  std::string text = TempDir::Read(out);
   EXPECT_TRUE(Log(text).Has("[3] Action Terminated by User.")) << text;
-  for (int i = 0; i < 60 && !(ProcessGone(standin) && ProcessGone(child)); ++i)
-    std::this_thread::sleep_for(std::chrono::milliseconds(50));
-  EXPECT_TRUE(ProcessGone(standin));
-  EXPECT_TRUE(ProcessGone(child)) << "the compiler's own children are stopped too";
+  EXPECT_TRUE(qvtest::ProcessEnds(standin));
+  EXPECT_TRUE(qvtest::ProcessEnds(child)) << "the compiler's own children are stopped too";
 }
 
 // ---- MSBuild with Mono's xbuild ----------------------------------------------------------
@@ -291,6 +277,13 @@ class XBuild : public ::testing::Test {
   }
   Session s;
   std::string Sln() const { return s.samples + "/vs2008/Greeting.sln"; }
+  // Adds members to the sample library's Greeter class.
+  void AddToGreeter(const std::string& members) const {
+    std::string source = s.samples + "/vs2008/Greeting.Lib/Greeter.cs";
+    std::string text = TempDir::Read(source);
+    text.insert(text.rfind('}', text.rfind('}') - 1), members + "    ");
+    std::ofstream(source, std::ios::binary) << text;
+  }
   std::vector<std::string> Base(const std::string& config = "Release|Any CPU") const {
     return {"Solution=" + Sln(), "SolutionConfiguration=" + config, "VStudioVersion=vs2008"};
   }
@@ -330,12 +323,7 @@ TEST_F(XBuild, SelectedProjectsInDependencyOrderAndRebuild) {
 }
 
 TEST_F(XBuild, CompileErrorsFailTheActionWithTheirPosition) {
-  std::string source = s.samples + "/vs2008/Greeting.Lib/Greeter.cs";
-  std::string text = Slurp(source);
-  size_t brace = text.rfind('}');
-  brace = text.rfind('}', brace - 1);
-  text.insert(brace, "    public static int Broken() { return missingName; }\r\n    ");
-  std::ofstream(source, std::ios::binary) << text;
+  AddToGreeter("    public static int Broken() { return missingName; }\r\n");
   auto r = s.Exec(Base());
   EXPECT_EQ(r.exitCode, 1);
   Log log(r.out);
@@ -370,14 +358,9 @@ TEST_F(XBuild, QuotedValuesReachTheCompilerIntact) {
 }
 
 TEST_F(XBuild, DisabledWarningsAreSilenced) {
-  std::string source = s.samples + "/vs2008/Greeting.Lib/Greeter.cs";
-  std::string text = Slurp(source);
-  size_t brace = text.rfind('}');
-  brace = text.rfind('}', brace - 1);
-  text.insert(brace,
-              "    private int unusedField;\r\n"
-              "    public static void Noisy() { int assigned = 1; }\r\n    ");
-  std::ofstream(source, std::ios::binary) << text;
+  AddToGreeter(
+      "    private int unusedField;\r\n"
+      "    public static void Noisy() { int assigned = 1; }\r\n");
   auto r = s.Exec(Base());
   ASSERT_EQ(r.exitCode, 0) << r.out;
   EXPECT_EQ(Log(r.out).Metrics()["Compiler.Warnings"], "2") << r.out;

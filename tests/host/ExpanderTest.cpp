@@ -2,18 +2,16 @@
 
 #include <gtest/gtest.h>
 
-#include "QvExceptions.h"
+#include "support/ErrorOf.h"
 
 using qvhost::TExpander;
 
 namespace {
 
 std::string Expanded(const TExpander& e, const std::string& text) {
-  try {
-    return e.Expand(text);
-  } catch (const qv::Exception& ex) {
-    return std::string("error: ") + ex.what();
-  }
+  std::string result;
+  std::string error = qvtest::ErrorOf([&] { result = e.Expand(text); });
+  return error == "(no exception)" ? result : "error: " + error;
 }
 
 TEST(TExpander, CommandLineOverProjectOverEnvironment) {

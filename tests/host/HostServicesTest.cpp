@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "QvActions.h"
-#include "QvExceptions.h"
+#include "support/ErrorOf.h"
 
 using qvhost::THostServices;
 
@@ -32,12 +32,8 @@ TEST(THostServices, FindsActionsByClassNameBeforeCaption) {
   EXPECT_EQ(services.FindAction("SECOND ACTION")->Class, &second);
   EXPECT_EQ(services.FindAction("TFirst")->Class, &first);
   EXPECT_EQ(services.FindAction("Third"), nullptr);
-  try {
-    services.RegisterAction("Again", "C", "I", first);
-    ADD_FAILURE();
-  } catch (const qv::Exception& e) {
-    EXPECT_STREQ(e.what(), "Action class TFirst is already registered");
-  }
+  EXPECT_EQ(qvtest::ErrorOf([&] { services.RegisterAction("Again", "C", "I", first); }),
+            "Action class TFirst is already registered");
 }
 
 }  // namespace

@@ -19,13 +19,17 @@ TestHost::TestHost(const qvtest::TempDir& dir,
   Session = std::make_unique<qvhost::THostSession>(settings, Out, [] { return 0.0; });
 }
 
+std::string QvhostCommand(const qvtest::TempDir& dir, const std::string& args,
+                          const std::string& env) {
+  return "cd " + ShellQuote(dir.Path()) + " && exec env" +
+         " -u QV_REGISTRY -u QV_KEY_FILE XDG_CONFIG_HOME=" + ShellQuote(dir.File("config")) +
+         " NO_COLOR=1 " + env + " " + ShellQuote(QV_QVHOST) + " --no-default-packages --package " +
+         ShellQuote(QV_HOST_TEST_PACKAGE) + " " + args;
+}
+
 qvtest::CommandResult RunQvhost(const qvtest::TempDir& dir, const std::string& args,
                                 const std::string& env) {
-  std::string command = "cd " + ShellQuote(dir.Path()) + " && env -u QV_REGISTRY -u QV_KEY_FILE" +
-                        " XDG_CONFIG_HOME=" + ShellQuote(dir.File("config")) + " NO_COLOR=1 " +
-                        env + " " + ShellQuote(QV_QVHOST) + " --no-default-packages --package " +
-                        ShellQuote(QV_HOST_TEST_PACKAGE) + " " + args;
-  return qvtest::RunCommand(command);
+  return qvtest::RunCommand(QvhostCommand(dir, args, env));
 }
 
 std::string WithoutTimes(std::string_view log) {

@@ -23,8 +23,11 @@ struct TestHost {
   std::unique_ptr<qvhost::THostSession> Session;
 };
 
-// Runs qvhost with only the test package, its per-user folder inside `dir`, NO_COLOR set and
-// `dir` as working folder; `env` holds extra NAME=VALUE assignments for its environment.
+// The command line that runs qvhost with only the test package, its per-user folder inside
+// `dir`, NO_COLOR set and `dir` as working folder; `env` holds extra NAME=VALUE assignments
+// for its environment. RunQvhost runs it.
+std::string QvhostCommand(const qvtest::TempDir& dir, const std::string& args,
+                          const std::string& env = "");
 qvtest::CommandResult RunQvhost(const qvtest::TempDir& dir, const std::string& args,
                                 const std::string& env = "");
 

@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include "QvExceptions.h"
+#include "support/ErrorOf.h"
 #include "support/TempDir.h"
 
 using qvhost::TOptionsStore;
@@ -96,12 +96,7 @@ TEST(TOptionsStore, ReportsAMalformedFileWithItsLine) {
                                             ":3: Start-end tags mismatch"},
         {"<Options/>", ": The root element is not <QvOptions>"}}) {
     std::string file = dir.Write("options.xml", text);
-    try {
-      TOptionsStore store(file);
-      ADD_FAILURE() << text;
-    } catch (const qv::Exception& e) {
-      EXPECT_EQ(e.what(), file + error);
-    }
+    EXPECT_EQ(qvtest::ErrorOf([&] { TOptionsStore store(file); }), file + error);
   }
 }
 

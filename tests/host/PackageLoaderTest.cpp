@@ -5,8 +5,8 @@
 #include <gtest/gtest.h>
 
 #include "HostServices.h"
-#include "QvExceptions.h"
 #include "QvSysUtils.h"
+#include "support/ErrorOf.h"
 #include "support/TempDir.h"
 
 using qvhost::FindPackageFiles;
@@ -37,13 +37,8 @@ TEST(TPackageLoader, LoadsAPackageOnceAndRegistersIt) {
     loader.Load({package, sameFile}, false);
     EXPECT_EQ(loader.Count(), 1u);
     EXPECT_EQ(services.Actions().size(), 7u);
-    try {
-      loader.Load({"/nonexistent/x.qvp"}, false);
-      ADD_FAILURE();
-    } catch (const qv::Exception& e) {
-      EXPECT_TRUE(std::string(e.what()).starts_with("Cannot load package /nonexistent/x.qvp : "))
-          << e.what();
-    }
+    std::string error = qvtest::ErrorOf([&] { loader.Load({"/nonexistent/x.qvp"}, false); });
+    EXPECT_TRUE(error.starts_with("Cannot load package /nonexistent/x.qvp : ")) << error;
     services.ReleaseOptions();
   }
   qv::QvActionServices = nullptr;

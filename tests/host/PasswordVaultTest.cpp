@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include "QvExceptions.h"
+#include "support/ErrorOf.h"
 #include "support/TempDir.h"
 
 using qvhost::TPasswordVault;
@@ -13,11 +13,7 @@ using qvtest::TempDir;
 namespace {
 
 std::string DecryptError(TPasswordVault& vault, const std::string& text) {
-  try {
-    return "decrypted: " + vault.Decrypt(text);
-  } catch (const qv::Exception& e) {
-    return e.what();
-  }
+  return qvtest::ErrorOf([&] { vault.Decrypt(text); });
 }
 
 TEST(TPasswordVault, SealsWithAFreshNonceUnderAPrivateKeyFile) {

@@ -11,7 +11,8 @@
 
 #include <gtest/gtest.h>
 
-#include "QvExceptions.h"
+#include "support/ErrorOf.h"
+#include "support/RunCommand.h"
 #include "support/TempDir.h"
 
 using qvtest::TempDir;
@@ -20,15 +21,8 @@ namespace {
 
 struct Recorder : qv::IQvProcessOutputHandler {
   std::string Out, Err;
-  int Chunks = 0;
-  void OnStdOutData(qv::IQvProcess*, std::string_view chunk) override {
-    Out += chunk;
-    ++Chunks;
-  }
-  void OnStdErrData(qv::IQvProcess*, std::string_view chunk) override {
-    Err += chunk;
-    ++Chunks;
-  }
+  void OnStdOutData(qv::IQvProcess*, std::string_view chunk) override { Out += chunk; }
+  void OnStdErrData(qv::IQvProcess*, std::string_view chunk) override { Err += chunk; }
 };
 
 struct Result {
@@ -91,23 +85,9 @@ TEST(THostProcess, ReportsWhatCannotStartAndWhatDidNotEndByItself) {
   EXPECT_FALSE(r.Clean);
   auto p = qvhost::NewHostProcess();
   p->SetExecutable("/nonexistent/tool");
-  try {
-    p->Run();
-    ADD_FAILURE();
-  } catch (const qv::Exception& e) {
-    EXPECT_STREQ(e.what(), "Cannot run \"/nonexistent/tool\" : No such file or directory");
-  }
+  EXPECT_EQ(qvtest::ErrorOf([&] { p->Run(); }),
+            "Cannot run \"/nonexistent/tool\" : No such file or directory");
   EXPECT_TRUE(NoChildrenLeft());
-}
-
-bool Gone(pid_t pid) {
-  for (int i = 0; i < 200; ++i) {
-    std::ifstream stat("/proc/" + std::to_string(pid) + "/stat");
-    std::string pidText, comm, state;
-    if (!(stat >> pidText >> comm >> state) || state == "Z") return true;
-    std::this_thread::sleep_for(std::chrono::milliseconds(10));
-  }
-  return false;
 }
 
 // The shell ignores SIGTERM, so only the SIGKILL that follows ends it.
@@ -132,7 +112,7 @@ TEST(THostProcess, TerminateStopsTheChildAndEverythingItStarted) {
   pid_t grandchild = 0;
   pidFile >> grandchild;
   ASSERT_GT(grandchild, 0);
-  EXPECT_TRUE(Gone(grandchild));
+  EXPECT_TRUE(qvtest::ProcessEnds(grandchild));
   EXPECT_TRUE(NoChildrenLeft());
 }
 

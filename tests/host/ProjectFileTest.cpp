@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "QvExceptions.h"
+#include "support/ErrorOf.h"
 #include "support/TempDir.h"
 
 using qvhost::TProjectFile;
@@ -12,31 +12,12 @@ namespace {
 
 std::string LoadError(const TempDir& dir, const std::string& text) {
   std::string file = dir.Write("p.qvproj", text);
-  try {
-    TProjectFile::Load(file);
-  } catch (const qv::Exception& e) {
-    std::string message = e.what();
-    return message.starts_with(file) ? "FILE" + message.substr(file.size()) : message;
-  }
-  return "(loaded)";
+  std::string message = qvtest::ErrorOf([&] { TProjectFile::Load(file); });
+  return message.starts_with(file) ? "FILE" + message.substr(file.size()) : message;
 }
 
 TEST(TProjectFile, ReadsVariablesPropertySetsAndNestedActions) {
-  TempDir dir;
-  auto project = TProjectFile::Load(dir.Write(
-      "p.qvproj",
-      "<QvProject>\n"
-      "  <Variables><Variable name='A' value='1'/><Variable name='B'>two &amp; more</Variable>"
-      "</Variables>\n"
-      "  <PropertySets><PropertySet name='Win32'><Property name='Major' value='3'/>"
-      "</PropertySet></PropertySets>\n"
-      "  <Actions>\n"
-      "    <Action type='TLoop' caption='Loop' enabled='False'>\n"
-      "      <Property name='Items'>\n        <Line>a</Line>\n        <Line/>\n      </Property>\n"
-      "      <Actions><Action type='TInner'><Property name='S'> x </Property></Action></Actions>\n"
-      "    </Action>\n"
-      "  </Actions>\n"
-      "</QvProject>\n"));
+  auto project = TProjectFile::Load(QV_FIXTURES_DIR "/host/nested.qvproj");
   ASSERT_EQ(project->Variables().size(), 2u);
   EXPECT_EQ(project->Variables()[1].Value, "two & more");
   ASSERT_EQ(project->PropertySets().size(), 1u);
@@ -153,13 +134,9 @@ TEST(TProjectFile, RefusesToOverwriteAFileChangedDuringTheRun) {
   auto project = TProjectFile::Load(file);
   project->SetProperty(project->Actions()[0].Node, "N", "2", false);
   dir.Write("p.qvproj", "<QvProject/>");
-  try {
-    project->SaveChanges();
-    ADD_FAILURE() << "saved";
-  } catch (const qv::Exception& e) {
-    EXPECT_EQ(e.what(), "Project file \"" + file +
-                            "\" changed on disk during the run; its new values were not saved");
-  }
+  EXPECT_EQ(qvtest::ErrorOf([&] { project->SaveChanges(); }),
+            "Project file \"" + file +
+                "\" changed on disk during the run; its new values were not saved");
   EXPECT_EQ(TempDir::Read(file), "<QvProject/>");
 }
 

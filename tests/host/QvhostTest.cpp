@@ -15,17 +15,8 @@ using qvtest::TempDir;
 
 namespace {
 
-const char* kLogProject =
-    "<QvProject>\n"
-    "  <Variables><Variable name='Config' value='Debug'/></Variables>\n"
-    "  <Actions>\n"
-    "    <Action type='Log Messages' caption='Say it'>\n"
-    "      <Property name='Text'>Building %Config% for %QVTEST_USER%</Property>\n"
-    "      <Property name='Details'><Line>one</Line></Property>\n"
-    "      <Property name='Warnings' value='1'/>\n"
-    "    </Action>\n"
-    "  </Actions>\n"
-    "</QvProject>\n";
+// One Log Messages action whose text names a project variable and an environment variable.
+const std::string kLogProject = TempDir::Read(QV_FIXTURES_DIR "/host/log.qvproj");
 
 TEST(Qvhost, ExitStatusSaysWhatWentWrong) {
   TempDir dir;
@@ -141,14 +132,9 @@ TEST(Qvhost, WritesJsonLinesAndExpandsVariablesByPrecedence) {
 
 TEST(Qvhost, KeepsPasswordsOutOfLogsAndProjectFiles) {
   TempDir dir;
-  std::string project = dir.Write("p.qvproj",
-                                  "<QvProject><Actions>\n"
-                                  "  <Action type='Sign In'>\n"
-                                  "    <Property name='User' value='ci'/>\n"
-                                  "    <Property name='NewPassword' value='hunter2'/>\n"
-                                  "    <Property name='Password' value=''/>\n"
-                                  "  </Action>\n"
-                                  "</Actions></QvProject>\n");
+  // A Sign In action given a new password in plain text.
+  std::string project =
+      dir.Write("p.qvproj", TempDir::Read(QV_FIXTURES_DIR "/host/password.qvproj"));
   std::string logs;
   for (const char* format : {"text", "jsonl"}) {
     if (std::string(format) == "jsonl")
@@ -179,14 +165,10 @@ TEST(Qvhost, TerminationStopsTheRunningProcess) {
             "<Property name='Program'>/bin/sh</Property>"
             "<Property name='Arguments'>-c \"touch started; exec sleep 30\"</Property>"
             "</Action></Actions></QvProject>");
-  std::string command = "cd " + ShellQuote(dir.Path()) +
-                        " && (NO_COLOR=1 XDG_CONFIG_HOME=" + ShellQuote(dir.File("config")) + " " +
-                        ShellQuote(QV_QVHOST) + " --no-default-packages --package " +
-                        ShellQuote(QV_HOST_TEST_PACKAGE) +
-                        " run p.qvproj & pid=$!; while [ ! -e started ]; do sleep 0.05; done;"
-                        " kill -TERM $pid; wait $pid)";
   auto start = std::chrono::steady_clock::now();
-  auto r = qvtest::RunCommand(command);
+  auto r = qvtest::RunCommand("((" + qvhosttest::QvhostCommand(dir, "run p.qvproj") +
+                              ") & pid=$!; while [ ! -e " + ShellQuote(dir.File("started")) +
+                              " ]; do sleep 0.05; done; kill -TERM $pid; wait $pid)");
   EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20));
   EXPECT_EQ(r.exitCode, 1) << r.out << r.err;
   EXPECT_EQ(WithoutTimes(r.out),

@@ -1,6 +1,5 @@
 #include "Runner.h"
 
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <filesystem>
@@ -8,10 +7,11 @@
 #include <gtest/gtest.h>
 
 #include "HostTestSupport.h"
-#include "QvExceptions.h"
 #include "QvSysUtils.h"
+#include "support/ErrorOf.h"
 
 using qvhosttest::TestHost;
+using qvtest::ErrorOf;
 using qvtest::TempDir;
 
 namespace {
@@ -21,29 +21,7 @@ std::string Project(const std::string& actions) {
 }
 
 // A project as people keep them: a byte-order mark, CR LF, tabs, comments everywhere.
-const std::string kCounterProject =
-    "\xEF\xBB\xBF<?xml version=\"1.0\" encoding=\"UTF-8\"?>\r\n"
-    "<!-- Nightly build: keep the counter in step with the release branch. -->\r\n"
-    "<QvProject>\r\n"
-    "\t<Variables>\r\n"
-    "\t\t<Variable name=\"Config\" value=\"Release\"/>\r\n"
-    "\t</Variables>\r\n"
-    "\t<PropertySets>\r\n"
-    "\t\t<PropertySet name=\"Versions\">\r\n"
-    "\t\t\t<Property name=\"Major\" value=\"2\"/>\r\n"
-    "\t\t\t<Property name = 'Build'   value = '41' />   <!-- set by the counter -->\r\n"
-    "\t\t</PropertySet>\r\n"
-    "\t</PropertySets>\r\n"
-    "\t<Actions>\r\n"
-    "\t\t<Action type=\"TQvTestCounterAction\" caption=\"Next build number\">\r\n"
-    "\t\t\t<!-- the last number handed out -->\r\n"
-    "\t\t\t<Property name=\"BuildNumber\">41</Property>\r\n"
-    "\t\t\t<Property name=\"PropertySet\">Versions</Property>\r\n"
-    "\t\t</Action>\r\n"
-    "\t\t<Action type=\"Log Messages\"><Property name=\"Text\">Building %Config%</Property>"
-    "</Action>\r\n"
-    "\t</Actions>\r\n"
-    "</QvProject>";
+const std::string kCounterProject = TempDir::Read(QV_FIXTURES_DIR "/host/nightly.qvproj");
 
 std::string Replace(std::string text, const std::string& from, const std::string& to) {
   size_t at = text.find(from);
@@ -190,12 +168,7 @@ TEST(TRunner, RejectsActionsItCannotSetUpWithFileAndLine) {
     std::string file = dir.Write(
         "bad.qvproj", "<QvProject>\n<Actions>" + std::string(c.actions) + "</Actions></QvProject>");
     TestHost host(dir);
-    try {
-      host.Session->RunProject(file);
-      ADD_FAILURE() << "no exception for " << c.actions;
-    } catch (const qv::Exception& e) {
-      EXPECT_EQ(e.what(), file + c.message);
-    }
+    EXPECT_EQ(ErrorOf([&] { host.Session->RunProject(file); }), file + c.message);
     EXPECT_EQ(host.Out.str(), "");
   }
 }

@@ -3,26 +3,18 @@
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <sys/resource.h>
-#include <unistd.h>
 
 #include <filesystem>
 
 #include "QvExceptions.h"
+#include "support/ErrorOf.h"
 #include "support/TempDir.h"
 
 using namespace qv;
+using qvtest::ErrorOf;
 using qvtest::TempDir;
 
 namespace {
-
-std::string ErrorOf(const std::function<void()>& fn) {
-  try {
-    fn();
-  } catch (const Exception& e) {
-    return e.what();
-  }
-  return "(no exception)";
-}
 
 TEST(TStringList, BadIndexRaisesListIndexOutOfBounds) {
   TStringList l{"a", "b"};
@@ -120,50 +112,35 @@ TEST(TStringList, SortIgnoresCaseAndKeepsEqualItemsInOrder) {
 
 // ---- files ----
 
-struct RoundTrip {
-  const char* name;
-  std::string bytes;
-};
-
-void PrintTo(const RoundTrip& r, std::ostream* os) {
-  *os << r.name;
-}
-
-class FileRoundTrip : public ::testing::TestWithParam<RoundTrip> {};
-
-TEST_P(FileRoundTrip, SavesBackByteForByte) {
-  TempDir dir;
-  std::string path = dir.Write("f.txt", GetParam().bytes);
-  TStringList l;
-  l.LoadFromFile(path);
-  l.SaveToFile(path);
-  EXPECT_EQ(TempDir::Read(path), GetParam().bytes);
-}
-
 const std::string kUtf16LE(
     "\xFF\xFE"
     "a\0b\0\r\0\n\0\xE9\0\x3D\xD8\x00\xDE\r\0\n\0",
     20);
-const std::string kUtf16BE(
-    "\xFE\xFF"
-    "\0a\0\n\0b",
-    8);
-const std::string kUtf16Lone(
-    "\xFF\xFE"
-    "x\0\x00\xD8y\0",
-    8);
 
-INSTANTIATE_TEST_SUITE_P(
-    Formats, FileRoundTrip,
-    ::testing::Values(RoundTrip{"CrLf", "one\r\ntwo\r\n"}, RoundTrip{"Lf", "one\ntwo\n"},
-                      RoundTrip{"Cr", "one\rtwo\r"}, RoundTrip{"Mixed", "a\r\nb\nc\rd\r\n\n"},
-                      RoundTrip{"NoFinalNewline", "a\r\nb"}, RoundTrip{"Empty", ""},
-                      RoundTrip{"OnlyBreak", "\r\n"},
-                      RoundTrip{"Utf8Bom", "\xEF\xBB\xBFMicrosoft\r\n# Visual\r\n"},
-                      RoundTrip{"EightBit", "caf\xE9\r\n\x80\xFF\r\n"},
-                      RoundTrip{"Utf16LE", kUtf16LE}, RoundTrip{"Utf16BE", kUtf16BE},
-                      RoundTrip{"Utf16LoneSurrogate", kUtf16Lone}),
-    [](const auto& info) { return std::string(info.param.name); });
+TEST(TStringListFile, SavesBackByteForByte) {
+  const std::pair<const char*, std::string> cases[] = {
+      {"CrLf", "one\r\ntwo\r\n"},
+      {"Lf", "one\ntwo\n"},
+      {"Cr", "one\rtwo\r"},
+      {"Mixed", "a\r\nb\nc\rd\r\n\n"},
+      {"NoFinalNewline", "a\r\nb"},
+      {"Empty", ""},
+      {"OnlyBreak", "\r\n"},
+      {"Utf8Bom", "\xEF\xBB\xBFMicrosoft\r\n# Visual\r\n"},
+      {"EightBit", "caf\xE9\r\n\x80\xFF\r\n"},
+      {"Utf16LE", kUtf16LE},
+      {"Utf16BE", std::string("\xFE\xFF\0a\0\n\0b", 8)},
+      {"Utf16LoneSurrogate", std::string("\xFF\xFEx\0\x00\xD8y\0", 8)},
+  };
+  TempDir dir;
+  for (const auto& [name, bytes] : cases) {
+    std::string path = dir.Write("f.txt", bytes);
+    TStringList l;
+    l.LoadFromFile(path);
+    l.SaveToFile(path);
+    EXPECT_EQ(TempDir::Read(path), bytes) << name;
+  }
+}
 
 TEST(TStringListFile, DecodesUtf16IntoUtf8Lines) {
   TempDir dir;
@@ -222,17 +199,6 @@ TEST(TStringListFile, FailedSaveLeavesTheOriginalUntouched) {
   EXPECT_EQ(TempDir::Read(path), "original\r\n");
   EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir.Path()), {}), 1)
       << "no temporary file is left behind";
-}
-
-TEST(TStringListFile, SaveIntoReadOnlyFolderFailsWithoutTouchingTheOriginal) {
-  if (geteuid() == 0) GTEST_SKIP() << "root writes into read-only folders";
-  TempDir dir;
-  std::string path = dir.Write("ro/keep.txt", "original\n");
-  std::filesystem::permissions(
-      dir.File("ro"), std::filesystem::perms::owner_read | std::filesystem::perms::owner_exec);
-  TStringList l{"changed"};
-  EXPECT_THROW(l.SaveToFile(path), Exception);
-  EXPECT_EQ(TempDir::Read(path), "original\n");
 }
 
 TEST(TStringListFile, SaveKeepsTheFilesPermissions) {

@@ -28,12 +28,4 @@ TEST(QuoteMSBuildArg, ValuesSurviveTheCommandLineSplit) {
             "ReferencePath=C:\\a b%3BC:\\c");
 }
 
-TEST(DotNetFramework, LogLevelNamesAndFrameworkRecords) {
-  EXPECT_EQ(TMSLogLevelInfo.NameOf(static_cast<int>(TMSLogLevel::Normal)), "Normal");
-  EXPECT_EQ(TMSLogLevelInfo.ValueOf("diagnostic"), 4);
-  auto fx = NewDotNetFramework("v3.5", "/opt/fx");
-  EXPECT_EQ(fx->GetVersion(), "v3.5");
-  EXPECT_EQ(fx->GetFolder(), "/opt/fx");
-}
-
 }  // namespace

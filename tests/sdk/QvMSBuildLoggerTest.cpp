@@ -25,17 +25,11 @@ namespace {
 const std::string kLauncher = QV_OUTPUT_DIR "/mono/MSBuild.exe";
 const std::string kLogger = QV_OUTPUT_DIR "/Quorvex.MSBuild.Tasks.dll";
 
-class TBuildAction : public TQvMultiExecAction {
- public:
-  std::string GetActionName() const override { return "Build"; }
-  bool Execute() override { return true; }
-};
-
 // One launcher run whose standard output went through a started helper.
 struct BuildRun {
   qvtest::CommandResult result;
-  qv::IntfPtr<RecordingActionContext> ctx = RecordingActionContext::Create();
-  TBuildAction action;
+  qvtest::RecordingAction action;
+  IntfPtr<RecordingActionContext>& ctx = action.ctx;
   TQvMSBuildStructuredOutputHelper helper{&action};
 
   BuildRun(const std::string& solution, const std::vector<std::string>& args) {
@@ -43,7 +37,6 @@ struct BuildRun {
     for (const auto& arg : args)
       command += " " + qvtest::ShellQuote(arg);
     result = qvtest::RunCommand(command);
-    action.BindContext(ctx);
     helper.Start(solution, true);
     ForEachLine(result.out, [&](std::string_view line) { helper.ProcessLine(line); });
     helper.Finish();
@@ -73,48 +66,9 @@ class MonoMSBuild : public testing::Test {
   }
 
   // A one-project solution whose source has a #warning and an undefined name.
-  std::string WriteBrokenSolution() {
-    dir.Write("Broken/Broken.csproj", R"(<?xml version="1.0" encoding="utf-8"?>
-<Project ToolsVersion="3.5" DefaultTargets="Build" xmlns="http://schemas.microsoft.com/developer/msbuild/2003">
-  <PropertyGroup>
-    <OutputType>Library</OutputType>
-    <AssemblyName>Broken</AssemblyName>
-    <OutputPath>bin\$(Configuration)\</OutputPath>
-  </PropertyGroup>
-  <ItemGroup>
-    <Reference Include="System" />
-    <Compile Include="Greeter.cs" />
-  </ItemGroup>
-  <Import Project="$(MSBuildToolsPath)\Microsoft.CSharp.targets" />
-</Project>
-)");
-    dir.Write("Broken/Greeter.cs", R"(namespace Broken
-{
-    public class Greeter
-    {
-        public string Greet()
-        {
-#warning Half done
-            return "Hello, " + missingName;
-        }
-    }
-}
-)");
-    return dir.Write("Broken.sln", R"(
-Microsoft Visual Studio Solution File, Format Version 10.00
-# Visual Studio 2008
-Project("{FAE04EC0-301F-11D3-BF4B-00C04F79EFBC}") = "Broken", "Broken\Broken.csproj", "{5D1E2C3B-4A59-4F68-9E7D-0C1B2A3F4E5D}"
-EndProject
-Global
-	GlobalSection(SolutionConfigurationPlatforms) = preSolution
-		Release|Any CPU = Release|Any CPU
-	EndGlobalSection
-	GlobalSection(ProjectConfigurationPlatforms) = postSolution
-		{5D1E2C3B-4A59-4F68-9E7D-0C1B2A3F4E5D}.Release|Any CPU.ActiveCfg = Release|Any CPU
-		{5D1E2C3B-4A59-4F68-9E7D-0C1B2A3F4E5D}.Release|Any CPU.Build.0 = Release|Any CPU
-	EndGlobalSection
-EndGlobal
-)");
+  std::string CopyBrokenSolution() {
+    fs::copy(QV_FIXTURES_DIR "/msbuild-broken", dir.Path(), fs::copy_options::recursive);
+    return dir.File("Broken.sln");
   }
 
   TempDir dir;
@@ -147,7 +101,7 @@ TEST_F(MonoMSBuild, SampleSolutionBuildsWithOneGroupPerProject) {
 }
 
 TEST_F(MonoMSBuild, CompileErrorIsLoggedInsideItsProjectGroup) {
-  std::string solution = WriteBrokenSolution();
+  std::string solution = CopyBrokenSolution();
   BuildRun run(solution,
                {"/nologo", "/t:Build", "/logger:" + kLogger, "/noconlog",
                 "/p:Configuration=Release;Platform=Any CPU", "/v:minimal", "/m:4", solution});
@@ -167,7 +121,7 @@ TEST_F(MonoMSBuild, CompileErrorIsLoggedInsideItsProjectGroup) {
 }
 
 TEST_F(MonoMSBuild, ConsoleOutputWithoutLoggerCountsEachDiagnosticOnce) {
-  std::string solution = WriteBrokenSolution();
+  std::string solution = CopyBrokenSolution();
   BuildRun run(solution,
                {"/nologo", "-M:2", "/t:Build", "/p:Configuration=Release;Platform=Any CPU",
                 "/v:normal", "-MaxCpuCount:3", "/maxcpucount", solution});

@@ -2,22 +2,14 @@
 
 #include <gtest/gtest.h>
 
-#include "QvExceptions.h"
 #include "QvPlatform.h"
+#include "support/ErrorOf.h"
 #include "support/RecordingServices.h"
 
 using namespace qv;
+using qvtest::ErrorOf;
 
 namespace {
-
-std::string ErrorOf(const std::function<void()>& fn) {
-  try {
-    fn();
-  } catch (const Exception& e) {
-    return e.what();
-  }
-  return "(no exception)";
-}
 
 TEST(TQvPackageModule, CallsTheEntryPointsInOrder) {
   qvtest::RecordingServices services;
@@ -41,10 +33,9 @@ TEST(TQvPackageModule, CallsTheEntryPointsInOrder) {
 
 TEST(TQvPackageModule, ReportsAMissingFileOrEntryPointClearly) {
   std::string missing = "/nonexistent/QvNothing.so";
-  EXPECT_EQ(ErrorOf([&] {
-              TQvPackageModule::Load(missing);
-            }).rfind("Cannot load package /nonexistent/QvNothing.so : ", 0),
-            0u);
+  EXPECT_TRUE(ErrorOf([&] {
+                TQvPackageModule::Load(missing);
+              }).starts_with("Cannot load package /nonexistent/QvNothing.so : "));
   // A shared library that is not a package lacks the entry points.
   EXPECT_EQ(ErrorOf([] { TQvPackageModule::Load(QV_NOT_A_PACKAGE); }),
             std::string("Package ") + QV_NOT_A_PACKAGE + " does not export Initialize");

@@ -2,9 +2,10 @@
 
 #include <gtest/gtest.h>
 
-#include "QvExceptions.h"
+#include "support/ErrorOf.h"
 
 using namespace qv;
+using qvtest::ErrorOf;
 
 namespace {
 
@@ -54,15 +55,6 @@ const TPropDescriptor kDerivedProps[] = {
     StrProp<TDerived, &TDerived::GetGuarded, &TDerived::SetGuarded>("Guarded"),
 };
 const TPropertyTable TDerived::PropertyTable{"TDerived", &TBase::PropertyTable, kDerivedProps};
-
-std::string ErrorOf(const std::function<void()>& fn) {
-  try {
-    fn();
-  } catch (const Exception& e) {
-    return e.what();
-  }
-  return "(no exception)";
-}
 
 TEST(Properties, ListsParentPropertiesFirstInDeclarationOrder) {
   std::vector<std::string> names;

@@ -2,77 +2,50 @@
 
 #include <gtest/gtest.h>
 
-#include "QvExceptions.h"
+#include "support/ErrorOf.h"
 #include "support/TempDir.h"
 
 using namespace qv;
 
 namespace {
 
-const char* kExport =
-    "Windows Registry Editor Version 5.00\r\n"
-    "\r\n"
-    "; Visual Studio 2005 only\r\n"
-    "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Microsoft\\VisualStudio\\8.0]\r\n"
-    "\"InstallDir\"=\"C:\\\\Program Files\\\\Microsoft Visual Studio 8\\\\Common7\\\\IDE\\\\\"\r\n"
-    "\"Quoted\"=\"say \\\"hi\\\"\"\r\n"
-    "\"Flags\"=dword:00000001\r\n"
-    "\"Blob\"=hex:01,02,\\\r\n"
-    "  03,04\r\n"
-    "@=\"default value\"\r\n"
-    "\r\n"
-    "[HKLM\\SOFTWARE\\Microsoft\\VisualStudio\\9.0]\r\n"
-    "\"InstallDir\"=\"D:\\\\VS9\\\\\"\r\n"
-    "\"Gone\"=\"x\"\r\n"
-    "\"Gone\"=-\r\n"
-    "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Old]\r\n"
-    "\"A\"=\"1\"\r\n"
-    "[-HKEY_LOCAL_MACHINE\\SOFTWARE\\Old]\r\n";
+// Two Visual Studio folders, values of other types, a removed value and a removed key.
+const std::string kExport = qvtest::TempDir::Read(QV_FIXTURES_DIR "/registry/vs.reg");
+
+const std::string kVs8 = "SOFTWARE\\Microsoft\\VisualStudio\\8.0";
+const std::string kVs9 = "SOFTWARE\\Microsoft\\VisualStudio\\9.0";
 
 TEST(TRegFileRegistry, ReadsStringValuesOfAnExport) {
   auto reg = TRegFileRegistry::LoadFromText(kExport, "vs.reg");
-  std::string v;
-  ASSERT_TRUE(reg->ReadString(TRegistryRoot::LocalMachine, "SOFTWARE\\Microsoft\\VisualStudio\\8.0",
-                              "InstallDir", v));
-  EXPECT_EQ(v, "C:\\Program Files\\Microsoft Visual Studio 8\\Common7\\IDE\\");
-  ASSERT_TRUE(reg->ReadString(TRegistryRoot::LocalMachine, "software\\microsoft\\visualstudio\\8.0",
-                              "quoted", v));
-  EXPECT_EQ(v, "say \"hi\"");
-  ASSERT_TRUE(reg->ReadString(TRegistryRoot::LocalMachine, "SOFTWARE\\Microsoft\\VisualStudio\\8.0",
-                              "", v));
-  EXPECT_EQ(v, "default value");
-  ASSERT_TRUE(reg->ReadString(TRegistryRoot::LocalMachine, "SOFTWARE\\Microsoft\\VisualStudio\\9.0",
-                              "InstallDir", v));
-  EXPECT_EQ(v, "D:\\VS9\\");
-  EXPECT_FALSE(reg->ReadString(TRegistryRoot::LocalMachine,
-                               "SOFTWARE\\Microsoft\\VisualStudio\\8.0", "Flags", v))
-      << "not a string";
-  EXPECT_FALSE(reg->ReadString(TRegistryRoot::LocalMachine,
-                               "SOFTWARE\\Microsoft\\VisualStudio\\9.0", "Gone", v));
-  EXPECT_FALSE(reg->ReadString(TRegistryRoot::LocalMachine, "SOFTWARE\\Old", "A", v));
-  EXPECT_FALSE(reg->ReadString(TRegistryRoot::CurrentUser, "SOFTWARE\\Microsoft\\VisualStudio\\9.0",
-                               "InstallDir", v));
+  auto read = [&](const std::string& key, const std::string& name,
+                  TRegistryRoot root = TRegistryRoot::LocalMachine) {
+    std::string v;
+    return reg->ReadString(root, key, name, v) ? v : "(not found)";
+  };
+  EXPECT_EQ(read(kVs8, "InstallDir"),
+            "C:\\Program Files\\Microsoft Visual Studio 8\\Common7\\IDE\\");
+  EXPECT_EQ(read("software\\microsoft\\visualstudio\\8.0", "quoted"), "say \"hi\"");
+  EXPECT_EQ(read(kVs8, ""), "default value");
+  EXPECT_EQ(read(kVs9, "InstallDir"), "D:\\VS9\\");
+  EXPECT_EQ(read(kVs8, "Flags"), "(not found)") << "not a string";
+  EXPECT_EQ(read(kVs9, "Gone"), "(not found)");
+  EXPECT_EQ(read("SOFTWARE\\Old", "A"), "(not found)");
+  EXPECT_EQ(read(kVs9, "InstallDir", TRegistryRoot::CurrentUser), "(not found)");
 }
 
 TEST(TRegFileRegistry, ReadsUtf16ExportsFromDisk) {
   qvtest::TempDir dir;
   std::string bytes = "\xFF\xFE";
-  for (const char* p = kExport; *p; ++p)
-    bytes += std::string{*p, '\0'};
+  for (char c : kExport)
+    bytes += std::string{c, '\0'};
   auto reg = TRegFileRegistry::LoadFromFile(dir.Write("vs.reg", bytes));
   std::string v;
-  EXPECT_TRUE(reg->ReadString(TRegistryRoot::LocalMachine, "SOFTWARE\\Microsoft\\VisualStudio\\9.0",
-                              "InstallDir", v));
+  EXPECT_TRUE(reg->ReadString(TRegistryRoot::LocalMachine, kVs9, "InstallDir", v));
 }
 
 TEST(TRegFileRegistry, ReportsFileAndLine) {
   auto errorOf = [](const std::string& text) {
-    try {
-      TRegFileRegistry::LoadFromText(text, "bad.reg");
-    } catch (const Exception& e) {
-      return std::string(e.what());
-    }
-    return std::string("(loaded)");
+    return qvtest::ErrorOf([&] { TRegFileRegistry::LoadFromText(text, "bad.reg"); });
   };
   EXPECT_EQ(errorOf("hello\n"),
             "bad.reg:1: not a registry export file (expected \"Windows Registry Editor Version "
@@ -92,8 +65,7 @@ TEST(RegistryReadString, WithoutAReaderNothingIsFound) {
   EXPECT_EQ(v, "untouched");
   auto reg = TRegFileRegistry::LoadFromText(kExport, "vs.reg");
   QvRegistry = reg.get();
-  EXPECT_TRUE(RegistryReadString(TRegistryRoot::LocalMachine,
-                                 "SOFTWARE\\Microsoft\\VisualStudio\\8.0", "InstallDir", v));
+  EXPECT_TRUE(RegistryReadString(TRegistryRoot::LocalMachine, kVs8, "InstallDir", v));
   QvRegistry = saved;
 }
 

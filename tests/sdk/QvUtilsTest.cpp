@@ -2,11 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include "QvExceptions.h"
 #include "QvSysUtils.h"
-#include "support/TempDir.h"
+#include "support/ErrorOf.h"
 
 using namespace qv;
+using qvtest::ErrorOf;
 
 namespace {
 
@@ -28,13 +28,6 @@ TEST(ExpandRelativePath, ResolvesWindowsStylePathsOnThisSystem) {
   };
   for (const auto& c : cases)
     EXPECT_EQ(ExpandRelativePath(c.path, c.base), c.expected) << c.path;
-}
-
-TEST(ExpandRelativePath, FindsFilesWrittenWithBackslashes) {
-  qvtest::TempDir dir;
-  dir.Write("Lib/Lib.csproj", "<Project/>");
-  TStringList l;
-  EXPECT_NO_THROW(l.LoadFromFile(ExpandRelativePath("Lib\\Lib.csproj", dir.Path())));
 }
 
 TEST(ExecRegExpr, PerlStylePatternsMatchAnywhere) {
@@ -64,13 +57,8 @@ TEST(TRegExpr, GroupsAndCaseInsensitiveMode) {
 }
 
 TEST(TRegExpr, MalformedPatternIsAnError) {
-  try {
-    ExecRegExpr("a(b", "ab");
-    FAIL();
-  } catch (const Exception& e) {
-    EXPECT_EQ(std::string(e.what()).rfind("Invalid regular expression \"a(b\" : ", 0), 0u)
-        << e.what();
-  }
+  std::string error = ErrorOf([] { ExecRegExpr("a(b", "ab"); });
+  EXPECT_TRUE(error.starts_with("Invalid regular expression \"a(b\" : ")) << error;
 }
 
 TEST(Utils, TokenizeKeepsEmptyTokensAndTrims) {
@@ -95,12 +83,8 @@ TEST(Utils, ExpandVariables) {
   EXPECT_EQ(ExpandVariables("100%% done [%Empty%]", lookup), "100% done []");
   EXPECT_EQ(ExpandVariables("50% of 20% tax", lookup), "50% of 20% tax");
   EXPECT_EQ(ExpandVariables("trailing %", lookup), "trailing %");
-  try {
-    ExpandVariables("x %Missing% y", lookup);
-    FAIL();
-  } catch (const Exception& e) {
-    EXPECT_STREQ(e.what(), "Variable \"Missing\" is not defined");
-  }
+  EXPECT_EQ(ErrorOf([&] { ExpandVariables("x %Missing% y", lookup); }),
+            "Variable \"Missing\" is not defined");
 }
 
 TEST(Utils, JsonStringEscapesAndKeepsEightBitTextValid) {

@@ -69,17 +69,16 @@ TEST(DependencyOrder, KeepsFileOrderAndMovesByExchange) {
   EXPECT_TRUE(DependencyOrder({}, Name).empty());
 }
 
-TEST(DependencyOrder, MutualDependencyNamesTheLaterProjectFirst) {
-  EXPECT_EQ(ErrorOf({{1}, {0}}), "Solution has invalid circular dependancies between : P1 and P0");
-  EXPECT_EQ(ErrorOf({{}, {2}, {1}}),
-            "Solution has invalid circular dependancies between : P2 and P1");
-}
-
-TEST(DependencyOrder, LongerCyclesAreReportedInsteadOfLoopingForever) {
-  EXPECT_EQ(ErrorOf({{1}, {2}, {0}}),
-            "Solution has invalid circular dependancies between : P0 and P1 and P2");
-  EXPECT_EQ(ErrorOf({{}, {3}, {1}, {4}, {2}, {}}),
-            "Solution has invalid circular dependancies between : P1 and P3 and P4 and P2");
+TEST(DependencyOrder, CyclesAreReportedWithTheirProjects) {
+  const std::pair<std::vector<std::vector<int>>, std::string> cases[] = {
+      {{{1}, {0}}, "P1 and P0"},  // a mutual dependency names the later project first
+      {{{}, {2}, {1}}, "P2 and P1"},
+      // longer cycles are reported instead of looping forever
+      {{{1}, {2}, {0}}, "P0 and P1 and P2"},
+      {{{}, {3}, {1}, {4}, {2}, {}}, "P1 and P3 and P4 and P2"},
+  };
+  for (const auto& [deps, names] : cases)
+    EXPECT_EQ(ErrorOf(deps), "Solution has invalid circular dependancies between : " + names);
 }
 
 TEST(DependencyOrder, MatchesTheLiteralProcedureOnRandomAcyclicGraphs) {

@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include "QvExceptions.h"
 #include "QvSysUtils.h"
+#include "support/ErrorOf.h"
 #include "support/TempDir.h"
 
 using namespace qv;
@@ -17,25 +17,37 @@ const std::string kA = "{AAAAAAAA-0000-0000-0000-000000000001}";
 const std::string kB = "{BBBBBBBB-0000-0000-0000-000000000002}";
 const std::string kC = "{CCCCCCCC-0000-0000-0000-000000000003}";
 
-std::string Crlf(std::string_view text) {
-  std::string r;
-  for (char c : text) {
-    if (c == '\n') r += '\r';
-    r += c;
-  }
-  return r;
+// Solution text as Visual Studio writes it: CR LF breaks, and "{A}", "{B}", "{C}" and "{CS}"
+// standing for the identifiers above.
+std::string SolutionText(std::string text) {
+  text = StringReplaceAll(text, "\n", "\r\n");
+  for (const auto& [token, guid] :
+       {std::pair<std::string, std::string>{"{A}", kA}, {"{B}", kB}, {"{C}", kC}, {"{CS}", kCs}})
+    text = StringReplaceAll(text, token, guid);
+  return text;
 }
 
-std::string ProjectLine(const std::string& name, const std::string& path, const std::string& guid,
-                        const char* type = kCs) {
-  return std::string("Project(\"") + type + "\") = \"" + name + "\", \"" + path + "\", \"" + guid +
-         "\"\n";
+// A project and its dependencies, ended.
+std::string Project(const std::string& name, const std::string& path, const std::string& guid,
+                    const std::vector<std::string>& deps = {}, const char* type = kCs) {
+  std::string s = std::string("Project(\"") + type + "\") = \"" + name + "\", \"" + path +
+                  "\", \"" + guid + "\"\n";
+  if (!deps.empty()) {
+    s += "\tProjectSection(ProjectDependencies) = postProject\n";
+    for (const auto& d : deps)
+      s += "\t\t" + d + " = " + d + "\n";
+    s += "\tEndProjectSection\n";
+  }
+  return s + "EndProject\n";
 }
 
 std::string Header(int version = 10) {
   return "Microsoft Visual Studio Solution File, Format Version " + std::to_string(version) +
          ".00\n";
 }
+
+const std::string kEmptyGlobal = "Global\nEndGlobal\n";
+const std::string kProjectA = Project("A", "A\\A.csproj", "{A}");
 
 // A solution folder with project files A, B and C present on disk.
 struct SolutionDir {
@@ -45,15 +57,15 @@ struct SolutionDir {
       dir.Write(p, "<Project/>");
   }
   IntfPtr<IVSDotNetSolution> Open(const std::string& body, bool includeMissing = false) {
-    return OpenSolution(dir.Write("S.sln", Crlf(body)), includeMissing);
+    return OpenSolution(dir.Write("S.sln", SolutionText(body)), includeMissing);
+  }
+  // Opens one of the solutions in fixtures/solution.
+  IntfPtr<IVSDotNetSolution> OpenFixture(const std::string& name) {
+    return OpenSolution(dir.Write("S.sln", TempDir::Read(QV_FIXTURES_DIR "/solution/" + name)),
+                        false);
   }
   std::string ErrorOf(const std::string& body) {
-    try {
-      Open(body);
-    } catch (const Exception& e) {
-      return e.what();
-    }
-    return "(opened)";
+    return qvtest::ErrorOf([&] { Open(body); });
   }
 };
 
@@ -73,23 +85,15 @@ std::vector<std::string> ConfigNames(const IntfPtr<IVSDotNetSolution>& s) {
   return names;
 }
 
-const std::string kEmptyGlobal = "Global\nEndGlobal\n";
-
 TEST(OpenSolution, HeaderDecidesTheVersion) {
-  struct Case {
-    int number;
-    TVSDotNetVersion version;
-  } cases[] = {{7, TVSDotNetVersion::vs2002},     {8, TVSDotNetVersion::vs2003},
-               {9, TVSDotNetVersion::vs2005},     {10, TVSDotNetVersion::vs2008},
-               {11, TVSDotNetVersion::vsUnknown}, {6, TVSDotNetVersion::vsUnknown}};
-  for (const auto& c : cases) {
-    SolutionDir d;
-    EXPECT_EQ(d.Open(Header(c.number) + kEmptyGlobal)->GetVersion(), c.version) << c.number;
-  }
-}
-
-TEST(OpenSolution, HeaderFailures) {
+  const std::pair<int, TVSDotNetVersion> cases[] = {
+      {7, TVSDotNetVersion::vs2002},     {8, TVSDotNetVersion::vs2003},
+      {9, TVSDotNetVersion::vs2005},     {10, TVSDotNetVersion::vs2008},
+      {11, TVSDotNetVersion::vsUnknown}, {6, TVSDotNetVersion::vsUnknown},
+  };
   SolutionDir d;
+  for (const auto& [number, version] : cases)
+    EXPECT_EQ(d.Open(Header(number) + kEmptyGlobal)->GetVersion(), version) << number;
   // Empty lines before the header are dropped; a line of blanks is not.
   EXPECT_EQ(d.Open("\n\n" + Header(9) + kEmptyGlobal)->GetVersion(), TVSDotNetVersion::vs2005);
   EXPECT_EQ(d.ErrorOf("   \n" + Header(9) + kEmptyGlobal),
@@ -104,63 +108,47 @@ TEST(OpenSolution, HeaderFailures) {
             TVSDotNetVersion::vs2003);
 }
 
-TEST(OpenSolution, MissingGlobalPartsFailWithTheListIndexError) {
-  SolutionDir d;
-  std::string projects = Header() + ProjectLine("A", "A\\A.csproj", kA) + "EndProject\n";
-  EXPECT_EQ(d.ErrorOf(projects), "List index out of bounds (3)");
-  EXPECT_EQ(d.ErrorOf(projects + "Global\n"), "List index out of bounds (4)");
-  EXPECT_EQ(d.ErrorOf(projects + "Global\n\tGlobalSection(SolutionConfigurationPlatforms) = "
-                                 "preSolution\n\t\tDebug|Any CPU = Debug|Any CPU\n"),
+// Each test of these suites runs in a fresh SolutionDir.
+struct SolutionTest : testing::Test, SolutionDir {};
+using Model = SolutionTest;
+using ProjectFiles = SolutionTest;
+using SolutionFile = SolutionTest;
+
+TEST_F(SolutionFile, MalformedProjectLinesAndMissingGlobalParts) {
+  EXPECT_EQ(ErrorOf(Header() + "Project(\"{CS}\") = \"A\", \"A\\A.csproj\"\n" + kEmptyGlobal),
+            "Error parsing project string");
+  EXPECT_EQ(ErrorOf(Header() + "Project(\"{CS}\") \"A\", \"x\", \"y\"\n" + kEmptyGlobal),
+            "Error parsing project string");
+  EXPECT_EQ(ErrorOf(Header() + kProjectA), "List index out of bounds (3)");
+  EXPECT_EQ(ErrorOf(Header() + kProjectA + "Global\n"), "List index out of bounds (4)");
+  EXPECT_EQ(ErrorOf(Header() + kProjectA +
+                    "Global\n\tGlobalSection(SolutionConfigurationPlatforms) = preSolution\n"
+                    "\t\tDebug|Any CPU = Debug|Any CPU\n"),
             "List index out of bounds (6)");
 }
 
-TEST(OpenSolution, ReadsProjectsAsWrittenAndLooksForTheirFiles) {
-  SolutionDir d;
-  std::string body = Header() + ProjectLine("A", "A\\A.csproj", kA) + "EndProject\n" +
-                     ProjectLine("Gone", "Gone\\Gone.csproj", kB) + "EndProject\n" +
-                     ProjectLine("Web", "http://localhost/Web/Web.csproj", kC) + "EndProject\n" +
-                     kEmptyGlobal;
-  auto s = d.Open(body);
+TEST_F(SolutionFile, ReadsProjectsAsWrittenAndLooksForTheirFiles) {
+  std::string body = Header() + kProjectA + Project("Gone", "Gone\\Gone.csproj", "{B}") +
+                     Project("Web", "http://localhost/Web/Web.csproj", "{C}") + kEmptyGlobal;
+  auto s = Open(body);
   EXPECT_EQ(Names(s), (std::vector<std::string>{"A", "Web"}));
-  EXPECT_EQ(d.Open(body, true)->GetProjects()->GetCount(), 3);
+  EXPECT_EQ(Open(body, true)->GetProjects()->GetCount(), 3);
 
   auto a = s->GetProjects()->GetItem(0);
   EXPECT_EQ(a->GetFileName(), "A\\A.csproj");
   EXPECT_EQ(a->GetProjectGUID(), kA);
   EXPECT_EQ(a->GetProjectTypeGUID(), kCs);
   EXPECT_FALSE(a->IsVCProject());
-  EXPECT_EQ(s->GetFileName(), d.dir.File("S.sln"));
+  EXPECT_EQ(s->GetFileName(), dir.File("S.sln"));
   EXPECT_EQ(s->GetReservedText1(), "");
   EXPECT_EQ(s->GetReservedText2(), "");
   EXPECT_FALSE(s->GetConfigurations()) << "no configuration section";
 }
 
-TEST(OpenSolution, ProjectLineFailures) {
-  SolutionDir d;
-  EXPECT_EQ(
-      d.ErrorOf(Header() + "Project(\"" + kCs + "\") = \"A\", \"A\\A.csproj\"\n" + kEmptyGlobal),
-      "Error parsing project string");
-  EXPECT_EQ(d.ErrorOf(Header() + "Project(\"" + kCs + "\") \"A\", \"x\", \"y\"\n" + kEmptyGlobal),
-            "Error parsing project string");
-}
-
-TEST(OpenSolution, DependencySectionsAndTheirQuirks) {
-  SolutionDir d;
-  std::string body =
-      Header(9) + ProjectLine("A", "A\\A.csproj", kA) +
-      "\tProjectSection(ProjectDependencies) = postProject\n\t\t" + kB + " = " + kB +
-      "\n\t\tnot a dependency line\n\t\t" + kB + " = " + kB +
-      "\n\tEndProjectSection\nEndProject\n" +
-      // another section first: its EndProjectSection ends the project, the dependency is lost
-      ProjectLine("B", "B\\B.csproj", kB) +
-      "\tProjectSection(WebsiteProperties) = preProject\n\t\tDebug.AspNetCompiler.Debug = "
-      "\"True\"\n\tEndProjectSection\n\tProjectSection(ProjectDependencies) = postProject\n\t\t" +
-      kC + " = " + kC + "\n\tEndProjectSection\nEndProject\n" +
-      // a skipped project's dependencies go nowhere
-      ProjectLine("Gone", "Gone\\Gone.csproj", kC) +
-      "\tProjectSection(ProjectDependencies) = postProject\n\t\t" + kA + " = " + kA +
-      "\n\tEndProjectSection\nEndProject\n" + kEmptyGlobal;
-  auto s = d.Open(body);
+TEST_F(SolutionFile, DependencySectionsAndTheirQuirks) {
+  // In B another section comes first: its EndProjectSection ends the project, and B's
+  // dependency on C is lost; the dependencies of Gone, a project without a file, go nowhere.
+  auto s = OpenFixture("dependencies.sln");
   EXPECT_EQ(Names(s), (std::vector<std::string>{"B", "A"}));
   auto deps = s->GetProjects()->FindByGUID(kA)->GetDependencies();
   EXPECT_EQ(deps->GetCount(), 2) << "duplicates are kept";
@@ -169,47 +157,14 @@ TEST(OpenSolution, DependencySectionsAndTheirQuirks) {
   EXPECT_EQ(deps->GetItem(-1), "");
   EXPECT_TRUE(deps->Contains(LowerCase(kB)));
   EXPECT_EQ(s->GetProjects()->FindByGUID(kB)->GetDependencies()->GetCount(), 0);
+  // Projects that depend on each other fail the open.
+  EXPECT_EQ(ErrorOf(Header() + Project("A", "A\\A.csproj", "{A}", {"{B}"}) +
+                    Project("B", "B\\B.csproj", "{B}", {"{A}"}) + kEmptyGlobal),
+            "Solution has invalid circular dependancies between : B and A");
 }
 
-const std::string kConfigBody =
-    "Global\n"
-    "\tGlobalSection(SolutionConfigurationPlatforms) = preSolution\n"
-    "\t\tDebug|Any CPU = Debug|Any CPU\n"
-    "\tEndGlobalSection\n"
-    "\tGlobalSection(SolutionConfigurationPlatforms) = preSolution\n"
-    "\t\tDebug|Any CPU = Debug|Any CPU\n"
-    "\t\tRelease|Any CPU = Release|Any CPU\n"
-    "\tEndGlobalSection\n"
-    "\tGlobalSection(ProjectConfigurationPlatforms) = postSolution\n"
-    "\t\t" +
-    kA +
-    ".Debug|Any CPU.ActiveCfg = Debug|Any CPU\n"
-    "\t\t" +
-    kA +
-    ".Debug|Any CPU.Build.0 = Debug|AnyCPU\n"
-    "\t\t" +
-    kA +
-    ".Release|Any CPU.Build.0 = Release|Any CPU\n"
-    "\t\t" +
-    kA +
-    ".Release|Any CPU.Deploy.0 = Release|Any CPU\n"
-    "\t\t" +
-    kB +
-    ".Release|Any CPU.Build.0 = Release|Any CPU\n"
-    "\t\t" +
-    kB +
-    ".Release|Any CPU.ActiveCfg = Release|x86\n"
-    "\t\t{FFFFFFFF-0000-0000-0000-00000000000F}.Debug|Any CPU.ActiveCfg = Debug|Any CPU\n"
-    "\tEndGlobalSection\n"
-    "\tGlobalSection(SolutionProperties) = preSolution\n"
-    "\t\tHideSolutionNode = FALSE\n"
-    "\tEndGlobalSection\n"
-    "EndGlobal\n";
-
-TEST(OpenSolution, ConfigurationsAndMappings) {
-  SolutionDir d;
-  auto s = d.Open(Header() + ProjectLine("A", "A\\A.csproj", kA) + "EndProject\n" +
-                  ProjectLine("B", "B\\B.csproj", kB) + "EndProject\n" + kConfigBody);
+TEST_F(SolutionFile, ConfigurationsAndMappings) {
+  auto s = OpenFixture("configurations.sln");
   EXPECT_EQ(ConfigNames(s), (std::vector<std::string>{"Debug|Any CPU", "Release|Any CPU"}))
       << "the second section replaces the first";
   EXPECT_FALSE(s->GetConfigurations()->GetItem(2));
@@ -229,28 +184,8 @@ TEST(OpenSolution, ConfigurationsAndMappings) {
   EXPECT_FALSE(s->GetProjects()->FindByGUID(LowerCase(kB))) << "FindByGUID is exact";
 }
 
-TEST(OpenSolution, FormatSevenConfigurationsAndGlobalDependencies) {
-  SolutionDir d;
-  std::string body = Header(8) + ProjectLine("A", "A\\A.csproj", kA) + "EndProject\n" +
-                     ProjectLine("B", "B\\B.csproj", kB) + "EndProject\n" +
-                     "Global\n"
-                     "\tGlobalSection(SolutionConfiguration) = preSolution\n"
-                     "\t\tDescription = my solution\n"
-                     "\t\tDebug = Debug\n"
-                     "\t\tRelease = Release\n"
-                     "\tEndGlobalSection\n"
-                     "\tGlobalSection(ProjectDependencies) = postSolution\n"
-                     "\t\t" +
-                     kA + ".0 = " + kB +
-                     "\n"
-                     "\tEndGlobalSection\n"
-                     "\tGlobalSection(ProjectConfiguration) = postSolution\n"
-                     "\t\t" +
-                     kA +
-                     ".Debug.ActiveCfg = Debug|.NET\n"
-                     "\tEndGlobalSection\n"
-                     "EndGlobal\n";
-  auto s = d.Open(body);
+TEST_F(SolutionFile, FormatSevenConfigurationsAndGlobalDependencies) {
+  auto s = OpenFixture("format8.sln");
   EXPECT_EQ(ConfigNames(s), (std::vector<std::string>{"Debug", "Release"}));
   EXPECT_EQ(s->GetProjects()->FindByGUID(kA)->GetProjectConfiguration("Debug"), "Debug|.NET");
   EXPECT_EQ(Names(s), (std::vector<std::string>{"A", "B"})) << "global dependencies come late";
@@ -259,34 +194,19 @@ TEST(OpenSolution, FormatSevenConfigurationsAndGlobalDependencies) {
   EXPECT_EQ(Names(s), (std::vector<std::string>{"B", "A"}));
 }
 
-TEST(OpenSolution, CircularDependenciesFailTheOpen) {
-  SolutionDir d;
-  auto dep = [](const std::string& g) {
-    return "\tProjectSection(ProjectDependencies) = postProject\n\t\t" + g + " = " + g +
-           "\n\tEndProjectSection\n";
-  };
-  std::string body = Header() + ProjectLine("A", "A\\A.csproj", kA) + dep(kB) + "EndProject\n" +
-                     ProjectLine("B", "B\\B.csproj", kB) + dep(kA) + "EndProject\n" + kEmptyGlobal;
-  EXPECT_EQ(d.ErrorOf(body), "Solution has invalid circular dependancies between : B and A");
-}
-
-TEST(OpenSolution, ReadsEncodingsVisualStudioWrites) {
-  SolutionDir d;
-  std::string body =
-      Crlf(Header() + ProjectLine("A", "A\\A.csproj", kA) + "EndProject\n" + kEmptyGlobal);
+TEST_F(SolutionFile, ReadsEncodingsVisualStudioWrites) {
+  std::string body = SolutionText(Header() + kProjectA + kEmptyGlobal);
   std::string utf16 = "\xFF\xFE";
   for (char c : body)
     utf16 += std::string{c, '\0'};
   for (const std::string& bytes : {"\xEF\xBB\xBF\r\n" + body, utf16}) {
-    auto s = OpenSolution(d.dir.Write("E.sln", bytes), false);
+    auto s = OpenSolution(dir.Write("E.sln", bytes), false);
     EXPECT_EQ(Names(s), std::vector<std::string>{"A"});
   }
 }
 
-TEST(Model, ListLookupsNeverFailAndDependencyListsAnswerTheSharedIdentifier) {
-  SolutionDir d;
-  auto s = d.Open(Header() + ProjectLine("A", "A\\A.csproj", kA) + "EndProject\n" + kEmptyGlobal);
-  auto projects = s->GetProjects();
+TEST_F(Model, ListLookupsNeverFailAndDependencyListsAnswerTheSharedIdentifier) {
+  auto projects = Open(Header() + kProjectA + kEmptyGlobal)->GetProjects();
   EXPECT_FALSE(projects->GetItem(-1));
   EXPECT_FALSE(projects->GetItem(1));
   EXPECT_EQ(projects->FindByFileName("A\\A.csproj")->GetName(), "A");
@@ -322,42 +242,35 @@ const char* kVcproj = R"(<?xml version="1.0" encoding="Windows-1252"?>
 </VisualStudioProject>
 )";
 
-TEST(ProjectFiles, ResourceScriptsOfFirstLevelFiltersAndTheVersionScript) {
-  SolutionDir d;
-  d.dir.Write("App/App.vcproj", kVcproj);
-  d.dir.Write("App/res/app.RC", "// no version here\r\n");
-  d.dir.Write("App/other.rc", "1 VERSIONINFO\r\n");
-  d.dir.Write("App/nested.rc", "1 VERSIONINFO\r\n");
-  auto s = d.Open(Header() + ProjectLine("App", "App\\App.vcproj", kA, kVc) + "EndProject\n" +
-                  kEmptyGlobal);
-  auto app = s->GetProjects()->GetItem(0);
+const std::string kAppVcproj = Project("App", "App\\App.vcproj", "{A}", {}, kVc);
+
+TEST_F(ProjectFiles, ResourceScriptsOfFirstLevelFiltersAndTheVersionScript) {
+  dir.Write("App/App.vcproj", kVcproj);
+  dir.Write("App/res/app.RC", "// no version here\r\n");
+  dir.Write("App/other.rc", "1 VERSIONINFO\r\n");
+  dir.Write("App/nested.rc", "1 VERSIONINFO\r\n");
+  auto app = Open(Header() + kAppVcproj + kEmptyGlobal)->GetProjects()->GetItem(0);
   EXPECT_TRUE(app->IsVCProject());
   EXPECT_EQ(app->GetResourceFiles()->Strings(),
-            (std::vector<std::string>{d.dir.File("App/res/app.RC"), d.dir.File("App/other.rc")}));
-  EXPECT_EQ(app->GetVersionInfoFile(), d.dir.File("App/other.rc"));
+            (std::vector<std::string>{dir.File("App/res/app.RC"), dir.File("App/other.rc")}));
+  EXPECT_EQ(app->GetVersionInfoFile(), dir.File("App/other.rc"));
 }
 
-TEST(ProjectFiles, UnreadableScriptsAreSkippedAndOtherRootsContributeNothing) {
-  SolutionDir d;
-  d.dir.Write("App/App.vcproj", kVcproj);  // none of its scripts exist
-  d.dir.Write("Other/Other.vcproj",
-              "<Project><Files><Filter><File RelativePath=\"x.rc\"/>"
-              "</Filter></Files></Project>");
-  auto s =
-      d.Open(Header() + ProjectLine("App", "App\\App.vcproj", kA, kVc) + "EndProject\n" +
-             ProjectLine("Other", "Other\\Other.vcproj", kB, kVc) + "EndProject\n" + kEmptyGlobal);
+TEST_F(ProjectFiles, UnreadableScriptsAreSkippedAndOtherRootsContributeNothing) {
+  dir.Write("App/App.vcproj", kVcproj);  // none of its scripts exist
+  dir.Write("Other/Other.vcproj",
+            "<Project><Files><Filter><File RelativePath=\"x.rc\"/>"
+            "</Filter></Files></Project>");
+  auto s = Open(Header() + kAppVcproj + Project("Other", "Other\\Other.vcproj", "{B}", {}, kVc) +
+                kEmptyGlobal);
   EXPECT_EQ(s->GetProjects()->FindByGUID(kA)->GetResourceFiles()->Count(), 2);
   EXPECT_EQ(s->GetProjects()->FindByGUID(kA)->GetVersionInfoFile(), "");
   EXPECT_EQ(s->GetProjects()->FindByGUID(kB)->GetResourceFiles()->Count(), 0);
-}
-
-TEST(ProjectFiles, MalformedProjectFileFailsTheWholeSolution) {
-  SolutionDir d;
-  d.dir.Write("App/App.vcproj", "<VisualStudioProject>\n  <Files>\n</VisualStudioProject>\n");
-  EXPECT_EQ(d.ErrorOf(Header() + ProjectLine("App", "App\\App.vcproj", kA, kVc) + "EndProject\n" +
-                      kEmptyGlobal),
+  // A malformed project file fails the whole solution.
+  dir.Write("App/App.vcproj", "<VisualStudioProject>\n  <Files>\n</VisualStudioProject>\n");
+  EXPECT_EQ(ErrorOf(Header() + kAppVcproj + kEmptyGlobal),
             "Error parsing project file : Start-end tags mismatch at offset 34 (line 3 of " +
-                d.dir.File("App/App.vcproj") + ")");
+                dir.File("App/App.vcproj") + ")");
 }
 
 TEST(Examples, BundledSolutionsOpenInDependencyOrder) {

@@ -1,122 +1,77 @@
 #include "JsonLines.h"
 
+#include <cstring>
 #include <stdexcept>
 
 namespace qvtest {
 
-namespace {
-
-struct Reader {
-  std::string_view s;
+std::map<std::string, std::string> ParseFlatJson(std::string_view s) {
   size_t i = 0;
-
-  [[noreturn]] void Fail(const char* what) const {
+  auto fail = [&](const char* what) {
     throw std::runtime_error(std::string("JSON: ") + what + " at " + std::to_string(i) + " in " +
                              std::string(s));
-  }
-  void Blanks() {
-    while (i < s.size() && (s[i] == ' ' || s[i] == '\t' || s[i] == '\r'))
+  };
+  auto next = [&] {  // the next character that is not a blank, not consumed
+    while (i < s.size() && strchr(" \t\r", s[i]))
       ++i;
-  }
-  void Expect(char c) {
-    Blanks();
-    if (i >= s.size() || s[i] != c) Fail("unexpected character");
+    return i < s.size() ? s[i] : '\0';
+  };
+  auto expect = [&](char c) {
+    if (next() != c) fail("unexpected character");
     ++i;
-  }
-  static void Utf8(std::string& out, unsigned cp) {
-    if (cp < 0x80) {
-      out += static_cast<char>(cp);
-    } else if (cp < 0x800) {
-      out += static_cast<char>(0xC0 | (cp >> 6));
-      out += static_cast<char>(0x80 | (cp & 0x3F));
-    } else {
-      out += static_cast<char>(0xE0 | (cp >> 12));
-      out += static_cast<char>(0x80 | ((cp >> 6) & 0x3F));
-      out += static_cast<char>(0x80 | (cp & 0x3F));
-    }
-  }
-  std::string String() {
-    Expect('"');
+  };
+  auto string = [&] {
+    expect('"');
     std::string out;
     while (i < s.size() && s[i] != '"') {
       char c = s[i++];
       if (c != '\\') {
         out += c;
-        continue;
-      }
-      if (i >= s.size()) Fail("unterminated escape");
-      char e = s[i++];
-      switch (e) {
-        case 'n':
-          out += '\n';
-          break;
-        case 'r':
-          out += '\r';
-          break;
-        case 't':
-          out += '\t';
-          break;
-        case 'b':
-          out += '\b';
-          break;
-        case 'f':
-          out += '\f';
-          break;
-        case 'u':
-          if (i + 4 > s.size()) Fail("short \\u escape");
-          Utf8(out, static_cast<unsigned>(std::stoul(std::string(s.substr(i, 4)), nullptr, 16)));
-          i += 4;
-          break;
-        default:
-          out += e;
+      } else if (i >= s.size()) {
+        fail("unterminated escape");
+      } else if (s[i] == 'u' && i + 5 <= s.size()) {
+        // The host escapes control characters and bytes that are not UTF-8 as \u00XX.
+        unsigned long byte = std::stoul(std::string(s.substr(i + 1, 4)), nullptr, 16);
+        if (byte > 0xFF) fail("escape beyond one byte");
+        out += static_cast<char>(byte);
+        i += 5;
+      } else {
+        static const char kEscaped[] = "nrtbf", kMeant[] = "\n\r\t\b\f";
+        const char* e = strchr(kEscaped, s[i]);
+        out += e && *e ? kMeant[e - kEscaped] : s[i];
+        ++i;
       }
     }
-    Expect('"');
+    expect('"');
     return out;
-  }
-  std::string Scalar() {
-    Blanks();
-    if (i < s.size() && s[i] == '"') return String();
-    size_t b = i;
-    while (i < s.size() && s[i] != ',' && s[i] != '}' && s[i] != ' ')
-      ++i;
-    if (b == i) Fail("missing value");
-    return std::string(s.substr(b, i - b));
-  }
-};
-
-}  // namespace
-
-std::map<std::string, std::string> ParseFlatJson(std::string_view line) {
-  Reader r{line};
+  };
   std::map<std::string, std::string> members;
-  r.Expect('{');
-  r.Blanks();
-  if (r.i < line.size() && line[r.i] == '}') return members;
-  for (;;) {
-    std::string name = r.String();
-    r.Expect(':');
-    members[name] = r.Scalar();
-    r.Blanks();
-    if (r.i < line.size() && line[r.i] == ',') {
-      ++r.i;
-      continue;
+  expect('{');
+  if (next() == '}') return members;
+  for (char sep = ','; sep == ','; sep = s[i++]) {
+    std::string name = string();
+    expect(':');
+    if (next() == '"') {
+      members[name] = string();
+    } else {
+      size_t b = i;
+      while (i < s.size() && !strchr(",} ", s[i]))
+        ++i;
+      if (b == i) fail("missing value");
+      members[name] = std::string(s.substr(b, i - b));
     }
-    r.Expect('}');
-    return members;
+    if (next() != ',' && next() != '}') fail("unexpected character");
   }
+  return members;
 }
 
 std::vector<std::map<std::string, std::string>> ParseJsonLines(std::string_view text) {
   std::vector<std::map<std::string, std::string>> events;
-  size_t start = 0;
-  while (start < text.size()) {
-    size_t end = text.find('\n', start);
-    if (end == std::string_view::npos) end = text.size();
+  for (size_t start = 0, end; start < text.size(); start = end + 1) {
+    end = std::min(text.find('\n', start), text.size());
     std::string_view line = text.substr(start, end - start);
     if (line.find_first_not_of(" \t\r") != std::string_view::npos)
       events.push_back(ParseFlatJson(line));
-    start = end + 1;
   }
   return events;
 }

@@ -8,8 +8,9 @@
 
 namespace qvtest {
 
-// The members of one flat JSON object (strings decoded, numbers and literals as written).
-// Throws std::runtime_error on anything else.
+// The members of one flat JSON object: strings decoded (a \u escape, which the host writes
+// only for control characters and bytes that are not UTF-8, to the byte it stands for),
+// numbers and literals as written. Throws std::runtime_error on anything else.
 std::map<std::string, std::string> ParseFlatJson(std::string_view line);
 
 // Every line of `text` parsed; blank lines skipped.

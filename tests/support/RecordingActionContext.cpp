@@ -7,32 +7,45 @@ namespace qvtest {
 
 using namespace qv;
 
-std::string MemoryPropertySet::GetPropertyNames() const {
-  TStringList names;
-  for (const auto& [n, v] : FValues)
-    names.Add(n);
-  return names.CommaText();
-}
+namespace {
 
-std::string MemoryPropertySet::GetValue(const std::string& name) const {
-  for (const auto& [n, v] : FValues)
-    if (n == name) return v;
-  return {};
-}
+// Records what it was given and replays its script when run.
+class ScriptedProcess : public TInterfacedObject, public IQvProcess {
+ public:
+  ScriptedProcess(std::vector<ProcessRun>& runs, ProcessScript script)
+      : FRuns(runs), FScript(std::move(script)) {}
+  void SetExecutable(const std::string& path) override { FRun.exe = path; }
+  void SetParameters(const std::string& params) override { FRun.params = params; }
+  void SetCaptureOutput(bool) override {}
+  void SetHideWindow(bool) override {}
+  void SetStartingDir(const std::string& dir) override { FRun.dir = dir; }
+  void SetTerminateEvent(TAutoResetEvent*) override {}
+  void SetOutputHandler(IQvProcessOutputHandler* handler) override { FHandler = handler; }
+  int Run() override {
+    FRuns.push_back(FRun);
+    for (const auto& chunk : FScript.out)
+      FHandler->OnStdOutData(this, chunk);
+    for (const auto& chunk : FScript.err)
+      FHandler->OnStdErrData(this, chunk);
+    return FScript.exitCode;
+  }
+  int GetExitCode() const override { return FScript.exitCode; }
+  bool GetCleanExit() const override { return FScript.clean; }
 
-void MemoryPropertySet::SetValue(const std::string& name, const std::string& value) {
-  for (auto& [n, v] : FValues)
-    if (n == name) {
-      v = value;
-      return;
-    }
-  FValues.emplace_back(name, value);
-}
+ protected:
+  void* GetInterface(const TGUID& iid) override {
+    if (void* p = QueryInterfaceList<IQvProcess>(this, iid)) return p;
+    return TInterfacedObject::GetInterface(iid);
+  }
 
-void* MemoryPropertySet::GetInterface(const TGUID& iid) {
-  if (void* p = QueryInterfaceList<IQvPropertySet>(this, iid)) return p;
-  return TInterfacedObject::GetInterface(iid);
-}
+ private:
+  std::vector<ProcessRun>& FRuns;
+  ProcessRun FRun;
+  ProcessScript FScript;
+  IQvProcessOutputHandler* FHandler = nullptr;
+};
+
+}  // namespace
 
 IntfPtr<RecordingActionContext> RecordingActionContext::Create() {
   return IntfPtr<RecordingActionContext>(new RecordingActionContext);
@@ -49,8 +62,7 @@ void RecordingActionContext::SendMessage(const std::string& text, TStatusTag tag
 
 void RecordingActionContext::StartMessageGroup(const std::string& title, int groupType,
                                                TStatusTag tag) {
-  Log.push_back({LogEntry::GroupStart, title, static_cast<int>(tag), Depth, groupType});
-  ++Depth;
+  Log.push_back({LogEntry::GroupStart, title, static_cast<int>(tag), Depth++, groupType});
 }
 
 void RecordingActionContext::EndMessageGroup(std::optional<TStatusTag> tag) {
@@ -63,8 +75,7 @@ void RecordingActionContext::SendMetricInt(const std::string& group, const std::
   Metrics.push_back({group, name, value});
 }
 
-std::string RecordingActionContext::Expand(const std::string& text) {
-  if (FailingExpansions.count(text)) throw Exception("Expansion of \"" + text + "\" failed");
+std::string RecordingActionContext::ExpandExpression(const std::string& text, bool) {
   return ExpandVariables(text, [this](std::string_view name) -> std::optional<std::string> {
     auto it = Variables.find(std::string(name));
     if (it == Variables.end()) return std::nullopt;
@@ -72,20 +83,14 @@ std::string RecordingActionContext::Expand(const std::string& text) {
   });
 }
 
-bool RecordingActionContext::TryExpandExpression(const std::string& caption,
-                                                 const std::string& text, std::string& result,
-                                                 bool) {
+bool RecordingActionContext::TryExpandExpression(const std::string&, const std::string& text,
+                                                 std::string& result, bool required) {
   try {
-    result = Expand(text);
+    result = ExpandExpression(text, required);
     return true;
-  } catch (const Exception& e) {
-    ExpansionFailures.push_back(caption + ": " + text);
+  } catch (const Exception&) {
     return false;
   }
-}
-
-std::string RecordingActionContext::ExpandExpression(const std::string& text, bool) {
-  return Expand(text);
 }
 
 std::string RecordingActionContext::GetVariableValue(const std::string& name) {
@@ -95,43 +100,30 @@ std::string RecordingActionContext::GetVariableValue(const std::string& name) {
 
 void RecordingActionContext::RegisterDynamicProperty(const std::string& name) {
   DynamicPropertyCalls.push_back("+" + name);
-  DynamicProperties.insert(name);
 }
 
 void RecordingActionContext::UnRegisterDynamicProperty(const std::string& name) {
   DynamicPropertyCalls.push_back("-" + name);
-  DynamicProperties.erase(name);
-}
-
-IntfPtr<IQvPropertySet> RecordingActionContext::FindPropertySet(const std::string& name) {
-  auto it = PropertySets.find(name);
-  return it == PropertySets.end() ? nullptr : it->second;
 }
 
 // Reversible and never equal to the plain text, which is all a test needs to see.
 std::string RecordingActionContext::EncryptPassword(const std::string& plain) {
-  static const char* hex = "0123456789ABCDEF";
-  std::string r = "ENC:";
-  for (unsigned char c : plain) {
-    r += hex[(c ^ 0x5A) >> 4];
-    r += hex[(c ^ 0x5A) & 15];
-  }
-  return r;
+  return "ENC:" + std::string(plain.rbegin(), plain.rend());
 }
 
 std::string RecordingActionContext::DecryptPassword(const std::string& encrypted) {
   if (encrypted.empty()) return {};
-  if (encrypted.rfind("ENC:", 0) != 0 || encrypted.size() % 2 != 0)
-    throw Exception("Cannot decrypt password");
-  std::string r;
-  for (size_t i = 4; i + 1 < encrypted.size(); i += 2)
-    r += static_cast<char>(std::stoi(encrypted.substr(i, 2), nullptr, 16) ^ 0x5A);
-  return r;
+  if (!encrypted.starts_with("ENC:")) throw Exception("Cannot decrypt password");
+  return std::string(encrypted.rbegin(), encrypted.rend() - 4);
 }
 
 IntfPtr<IQvProcess> RecordingActionContext::CreateProcess() {
-  if (!ProcessFactory) throw Exception("No process factory set in the test context");
-  return ProcessFactory();
+  ProcessScript script;
+  if (!Scripts.empty()) {
+    script = Scripts.front();
+    Scripts.pop_front();
+  }
+  return IntfPtr<IQvProcess>(new ScriptedProcess(Runs, script));
 }
 
 void RecordingActionContext::GetVariableNames(TStringList& names) {
@@ -144,17 +136,10 @@ std::string RecordingActionContext::Transcript() const {
   for (const auto& e : Log) {
     out.append(static_cast<size_t>(e.depth) * 2, ' ');
     std::string tag = e.tag >= 0 ? "[" + std::to_string(e.tag) + "]" : "";
-    switch (e.kind) {
-      case LogEntry::Message:
-        out += tag + " " + e.text;
-        break;
-      case LogEntry::GroupStart:
-        out += "> " + e.text + " (type " + std::to_string(e.groupType) + ") " + tag;
-        break;
-      case LogEntry::GroupEnd:
-        out += tag.empty() ? "<" : "< " + tag;
-        break;
-    }
+    if (e.kind == LogEntry::Message) out += tag + " " + e.text;
+    if (e.kind == LogEntry::GroupStart)
+      out += "> " + e.text + " (type " + std::to_string(e.groupType) + ") " + tag;
+    if (e.kind == LogEntry::GroupEnd) out += tag.empty() ? "<" : "< " + tag;
     out += "\n";
   }
   return out;

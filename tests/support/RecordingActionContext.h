@@ -1,10 +1,10 @@
 // An action context for tests: records what an action logs, measures, expands and asks of
-// its host, and answers from maps the test fills.
+// its host, answers from maps the test fills, and gives the action processes that replay
+// scripts instead of running anything.
 #pragma once
 
-#include <functional>
+#include <deque>
 #include <map>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -28,21 +28,18 @@ struct Metric {
   bool operator==(const Metric&) const = default;
 };
 
-// A property set with ordered name/value pairs.
-class MemoryPropertySet : public qv::TInterfacedObject, public qv::IQvPropertySet {
- public:
-  explicit MemoryPropertySet(std::string name) : FName(std::move(name)) {}
-  std::string GetName() const override { return FName; }
-  std::string GetPropertyNames() const override;
-  std::string GetValue(const std::string& name) const override;
-  void SetValue(const std::string& name, const std::string& value) override;
+// What one process run does: the chunks it writes (all of standard output, then standard
+// error) and how it ends.
+struct ProcessScript {
+  std::vector<std::string> out;
+  int exitCode = 0;
+  bool clean = true;
+  std::vector<std::string> err = {};
+};
 
- protected:
-  void* GetInterface(const qv::TGUID& iid) override;
-
- private:
-  std::string FName;
-  std::vector<std::pair<std::string, std::string>> FValues;
+// What a process was given when it ran.
+struct ProcessRun {
+  std::string exe, params, dir;
 };
 
 class RecordingActionContext : public qv::TInterfacedObject,
@@ -63,28 +60,24 @@ class RecordingActionContext : public qv::TInterfacedObject,
   std::string GetVariableValue(const std::string& name) override;
   void RegisterDynamicProperty(const std::string& name) override;
   void UnRegisterDynamicProperty(const std::string& name) override;
-  qv::IntfPtr<qv::IQvPropertySet> FindPropertySet(const std::string& name) override;
+  qv::IntfPtr<qv::IQvPropertySet> FindPropertySet(const std::string&) override { return nullptr; }
   std::string EncryptPassword(const std::string& plain) override;
   std::string DecryptPassword(const std::string& encrypted) override;
+  // Each process replays the next of Scripts (an empty, successful run once none are left).
   qv::IntfPtr<qv::IQvProcess> CreateProcess() override;
   // IQvApplicationServices
   void GetVariableNames(qv::TStringList& names) override;
 
   // What the test sets up.
   std::map<std::string, std::string> Variables;
-  // Texts (before expansion) whose expansion fails.
-  std::set<std::string> FailingExpansions;
-  std::map<std::string, qv::IntfPtr<qv::IQvPropertySet>> PropertySets;
-  std::function<qv::IntfPtr<qv::IQvProcess>()> ProcessFactory;
+  std::deque<ProcessScript> Scripts;
 
   // What the action did.
   std::vector<LogEntry> Log;
   std::vector<Metric> Metrics;
-  // Expansion failures reported, as "caption: text".
-  std::vector<std::string> ExpansionFailures;
   // Dynamic-property calls in order: "+Name" registers, "-Name" unregisters.
   std::vector<std::string> DynamicPropertyCalls;
-  std::set<std::string> DynamicProperties;
+  std::vector<ProcessRun> Runs;
   int Depth = 0;
 
   // The log as text, one entry per line, indented two blanks per group level:
@@ -96,9 +89,15 @@ class RecordingActionContext : public qv::TInterfacedObject,
 
  protected:
   void* GetInterface(const qv::TGUID& iid) override;
+};
 
- private:
-  std::string Expand(const std::string& text);
+// An action that does nothing itself, bound to its own recording context.
+class RecordingAction : public qv::TQvMultiExecAction {
+ public:
+  qv::IntfPtr<RecordingActionContext> ctx = RecordingActionContext::Create();
+  RecordingAction() { BindContext(ctx); }
+  std::string GetActionName() const override { return "Recording Action"; }
+  bool Execute() override { return true; }
 };
 
 }  // namespace qvtest

@@ -92,10 +92,6 @@ IntfPtr<IInterface> RecordingServices::FindOptions(const std::string& name,
   return nullptr;
 }
 
-void RecordingServices::AddOptions(IntfPtr<IInterface> options) {
-  FOptions.push_back(std::move(options));
-}
-
 TScriptValue RecordingServices::CallMethod(const std::string& className, const std::string& name,
                                            TCustomQvAction& self,
                                            const std::vector<TScriptValue>& args) {

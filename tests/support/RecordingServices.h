@@ -46,8 +46,6 @@ class RecordingServices : public qv::IQvActionServices,
   qv::TScriptValue CallMethod(const std::string& className, const std::string& name,
                               qv::TCustomQvAction& self, const std::vector<qv::TScriptValue>& args);
   qv::TScriptValue CallGlobal(const std::string& name, const std::vector<qv::TScriptValue>& args);
-  // Adds an options object as if a package had registered its class.
-  void AddOptions(qv::IntfPtr<qv::IInterface> options);
 
   std::vector<std::string> Calls;
   std::map<std::string, int64_t> Constants;

@@ -2,7 +2,11 @@
 
 #include <sys/wait.h>
 
+#include <chrono>
 #include <cstdlib>
+#include <fstream>
+#include <iterator>
+#include <thread>
 
 #include "TempDir.h"
 
@@ -23,6 +27,18 @@ CommandResult RunCommand(const std::string& command) {
   CommandResult r{WIFEXITED(status) ? WEXITSTATUS(status) : -1, TempDir::Read(out),
                   TempDir::Read(err)};
   return r;
+}
+
+bool ProcessEnds(int pid, double seconds) {
+  auto end = std::chrono::steady_clock::now() + std::chrono::duration<double>(seconds);
+  for (;;) {
+    std::ifstream in("/proc/" + std::to_string(pid) + "/stat");
+    std::string stat((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    size_t close = stat.rfind(')');  // the state follows the parenthesised command name
+    if (close == std::string::npos || stat.substr(close + 2, 1) == "Z") return true;
+    if (std::chrono::steady_clock::now() > end) return false;
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
+  }
 }
 
 }  // namespace qvtest

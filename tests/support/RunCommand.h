@@ -1,4 +1,5 @@
-// Runs a command line through the shell and captures what it printed and its exit status.
+// Runs a command line through the shell and captures what it printed and its exit status;
+// watches other processes end.
 #pragma once
 
 #include <string>
@@ -13,5 +14,8 @@ struct CommandResult {
 // `command` is a shell command line; quote arguments with ShellQuote.
 CommandResult RunCommand(const std::string& command);
 std::string ShellQuote(const std::string& arg);
+
+// Whether process `pid` ends (is gone, or left a zombie) within `seconds`.
+bool ProcessEnds(int pid, double seconds = 3);
 
 }  // namespace qvtest
