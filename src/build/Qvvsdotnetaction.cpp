@@ -323,15 +323,18 @@ std::string TQvCustomVSDotNetAction::GetProjectID(const std::string& nameOrPath)
   return {};
 }
 
-std::string TQvCustomVSDotNetAction::GetProjectName(const std::string& projectId) {
+IntfPtr<IVSDotNetProject> TQvCustomVSDotNetAction::FindOwnProject(const std::string& projectId) {
   IntfPtr<IVSDotNetSolution> solution = OpenOwnSolution();
-  IntfPtr<IVSDotNetProject> p = solution ? solution->GetProjects()->FindByGUID(projectId) : nullptr;
+  return solution ? solution->GetProjects()->FindByGUID(projectId) : nullptr;
+}
+
+std::string TQvCustomVSDotNetAction::GetProjectName(const std::string& projectId) {
+  IntfPtr<IVSDotNetProject> p = FindOwnProject(projectId);
   return p ? p->GetName() : std::string();
 }
 
 std::string TQvCustomVSDotNetAction::GetProjectPath(const std::string& projectId) {
-  IntfPtr<IVSDotNetSolution> solution = OpenOwnSolution();
-  IntfPtr<IVSDotNetProject> p = solution ? solution->GetProjects()->FindByGUID(projectId) : nullptr;
+  IntfPtr<IVSDotNetProject> p = FindOwnProject(projectId);
   return p ? p->GetFileName() : std::string();
 }
 
@@ -349,28 +352,38 @@ std::string TQvCustomVSDotNetAction::GetAllSolutionConfigurations() {
 
 // ---- version texts ----------------------------------------------------------------------
 
+namespace {
+
+// A "|" is appended and each piece before a "|" goes to the next part; pieces beyond the
+// fourth are ignored and missing ones leave the old part.
+void SplitVersion(const std::string& text, std::string (&parts)[4]) {
+  std::vector<std::string> pieces = Tokenize(text + "|", "|", false);
+  for (size_t i = 0; i < 4 && i + 1 < pieces.size(); ++i)
+    parts[i] = pieces[i];
+}
+
+std::string JoinVersion(const std::string (&parts)[4]) {
+  return parts[0] + "|" + parts[1] + "|" + parts[2] + "|" + parts[3];
+}
+
+}  // namespace
+
 void TQvCustomVSDotNetAction::SetAssemblyVersion(const std::string& v) {
   FAssemblyVersion = v;
-  std::vector<std::string> pieces = Tokenize(v + "|", "|", false);
-  for (size_t i = 0; i < 4 && i + 1 < pieces.size(); ++i)
-    FAssemblyVersionParts[i] = pieces[i];
+  SplitVersion(v, FAssemblyVersionParts);
 }
 
 void TQvCustomVSDotNetAction::SetAssemblyFileVersion(const std::string& v) {
   FAssemblyFileVersion = v;
-  std::vector<std::string> pieces = Tokenize(v + "|", "|", false);
-  for (size_t i = 0; i < 4 && i + 1 < pieces.size(); ++i)
-    FAssemblyFileVersionParts[i] = pieces[i];
+  SplitVersion(v, FAssemblyFileVersionParts);
 }
 
 void TQvCustomVSDotNetAction::ResetAssemblyVersion() {
-  const auto& p = FAssemblyVersionParts;
-  FAssemblyVersion = p[0] + "|" + p[1] + "|" + p[2] + "|" + p[3];
+  FAssemblyVersion = JoinVersion(FAssemblyVersionParts);
 }
 
 void TQvCustomVSDotNetAction::ResetAssemblyFileVersion() {
-  const auto& p = FAssemblyFileVersionParts;
-  FAssemblyFileVersion = p[0] + "|" + p[1] + "|" + p[2] + "|" + p[3];
+  FAssemblyFileVersion = JoinVersion(FAssemblyFileVersionParts);
 }
 
 void TQvCustomVSDotNetAction::SetVersionPart(bool fileVersion, int part, const std::string& v) {

@@ -266,6 +266,8 @@ class TQvCustomVSDotNetAction : public TQvMultiExecAction, public IQvVC7VersionI
   // Opens the solution named by Solution (expanded without failure report); null when it
   // cannot be opened.
   IntfPtr<IVSDotNetSolution> OpenOwnSolution();
+  // The project with this identifier in that solution, or null.
+  IntfPtr<IVSDotNetProject> FindOwnProject(const std::string& projectId);
 
  private:
   static const TPropDescriptor FProps[];
