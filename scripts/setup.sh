@@ -9,6 +9,7 @@ packages=(
   libpugixml-dev libpcre2-dev libsodium-dev libcurl4-openssl-dev libcli11-dev
   libgtest-dev libgmock-dev libbenchmark-dev
   mono-xbuild mono-mcs mono-devel
+  clang-14 libclang-rt-14-dev
 )
 
 missing=()
