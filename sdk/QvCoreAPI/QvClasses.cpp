@@ -242,6 +242,16 @@ void TStringList::Insert(int index, const std::string& s) {
   FBreaks.insert(FBreaks.begin() + at, TLineBreak::Default);
 }
 
+TLineBreak TStringList::LineBreak(int index) const {
+  CheckIndex(index);
+  return FBreaks[static_cast<size_t>(index)];
+}
+
+void TStringList::SetLineBreak(int index, TLineBreak br) {
+  CheckIndex(index);
+  FBreaks[static_cast<size_t>(index)] = br;
+}
+
 void TStringList::Delete(int index) {
   CheckIndex(index);
   auto at = static_cast<size_t>(index);

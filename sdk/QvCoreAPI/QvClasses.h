@@ -100,6 +100,10 @@ class TStringList {
   void SaveToFile(const std::string& fileName) const;
   const TTextFormat& Format() const { return FFormat; }
   void SetFormat(const TTextFormat& format) { FFormat = format; }
+  // The break that ends line `index` on disk (Default for a line added since loading,
+  // which is saved with the format's dominant break). Throws on a bad index.
+  TLineBreak LineBreak(int index) const;
+  void SetLineBreak(int index, TLineBreak br);
 
   char Delimiter = ',';
   char QuoteChar = '"';

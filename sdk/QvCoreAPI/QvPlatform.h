@@ -2,6 +2,7 @@
 // (QvPlatform-posix.cpp, QvPlatform-win32.cpp); nothing else in the SDK tests the platform.
 #pragma once
 
+#include <ctime>
 #include <string>
 #include <string_view>
 
@@ -22,6 +23,8 @@ std::string HostName();
 std::string TempFolder();
 // The process's current folder.
 std::string CurrentDirectory();
+// The broken-down local time of `t`.
+std::tm LocalTime(std::time_t t);
 // True when a regular file (or a link to one) exists at `path`.
 bool FileExists(const std::string& path);
 // True when a folder exists at `path`.

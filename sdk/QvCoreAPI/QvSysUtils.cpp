@@ -126,6 +126,61 @@ std::string IntToStr(int64_t v) {
   return std::to_string(v);
 }
 
+std::string IntToHex(int64_t v, int digits) {
+  uint64_t u = v < 0 ? static_cast<uint32_t>(v) : static_cast<uint64_t>(v);
+  static constexpr char kDigits[] = "0123456789ABCDEF";
+  std::string out;
+  do {
+    out.insert(out.begin(), kDigits[u & 0xF]);
+    u >>= 4;
+  } while (u != 0);
+  if (static_cast<int>(out.size()) < digits)
+    out.insert(0, static_cast<size_t>(digits) - out.size(), '0');
+  return out;
+}
+
+bool TryHexToInt(std::string_view s, int64_t& out) {
+  if (s.empty() || s.size() > 16) return false;
+  uint64_t v = 0;
+  auto [p, ec] = std::from_chars(s.data(), s.data() + s.size(), v, 16);
+  if (ec != std::errc() || p != s.data() + s.size()) return false;
+  out = static_cast<int64_t>(v);
+  return true;
+}
+
+int64_t StrToIntHexDef(std::string_view s, int64_t def) {
+  std::string t = Trim(s);
+  std::string_view v = t;
+  int64_t out;
+  if (StartsStr("$", v)) return TryHexToInt(v.substr(1), out) ? out : def;
+  if (v.size() > 2 && v[0] == '0' && (v[1] == 'x' || v[1] == 'X'))
+    return TryHexToInt(v.substr(2), out) ? out : def;
+  return StrToInt64Def(v, def);
+}
+
+namespace {
+std::string FormatTime(std::time_t t, const char* format) {
+  std::tm tm = platform::LocalTime(t);
+  char buf[128];
+  size_t n = std::strftime(buf, sizeof buf, format, &tm);
+  return std::string(buf, n);
+}
+}  // namespace
+
+std::string LongDateText(std::time_t t) {
+  // Windows' default long date: "dddd, MMMM d, yyyy" (no leading zero on the day).
+  std::string day = FormatTime(t, "%d");
+  if (day.size() == 2 && day[0] == '0') day.erase(0, 1);
+  return FormatTime(t, "%A, %B ") + day + FormatTime(t, ", %Y");
+}
+
+std::string ShortTimeText(std::time_t t) {
+  // Windows' default short time: "h:mm AM/PM".
+  std::string hour = FormatTime(t, "%I");
+  if (hour.size() == 2 && hour[0] == '0') hour.erase(0, 1);
+  return hour + FormatTime(t, ":%M %p");
+}
+
 std::string BoolToStr(bool b) {
   return b ? "True" : "False";
 }

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <ctime>
 #include <string>
 #include <string_view>
 
@@ -29,6 +30,18 @@ int StrToIntDef(std::string_view s, int def);
 // Decimal integer; throws EConvertError "'TEXT' is not a valid integer value".
 int64_t StrToInt64(std::string_view s);
 std::string IntToStr(int64_t v);
+// Upper-case hexadecimal with at least `digits` digits; a negative value is written as its
+// 32-bit two's complement, as the Win32 tools print it.
+std::string IntToHex(int64_t v, int digits);
+// Reads hexadecimal digits only (no prefix, no sign, not empty); false for anything else.
+bool TryHexToInt(std::string_view s, int64_t& out);
+// Decimal, or hexadecimal after "$" or "0x"; `def` for anything else.
+int64_t StrToIntHexDef(std::string_view s, int64_t def);
+
+// The system's long date ("Tuesday, November 24, 2026") and short time ("1:55 PM") of a
+// moment, in local time, with the names of the current LC_TIME locale.
+std::string LongDateText(std::time_t t);
+std::string ShortTimeText(std::time_t t);
 
 // "True" or "False".
 std::string BoolToStr(bool b);

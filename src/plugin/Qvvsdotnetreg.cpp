@@ -1,6 +1,7 @@
 #include "Qvvsdotnetreg.h"
 
 #include "QvServices.h"
+#include "Qvversioninfoupdateraction.h"
 #include "Qvvsdotnetaction.h"
 #include "Qvvsdotnetoptions.h"
 
@@ -58,8 +59,10 @@ void QvRegisterPackage(bool registerDesignTime) {
   RegisterBuildAction();  // steps 1 and 2
   RegisterOptions();      // step 3
   // Steps 4 to 6 register the MSTest, version info updater and solution iterator actions.
-  if (!registerDesignTime) return;  // step 7
-  RegisterPropertyEditors();        // step 8
+  QvActionServices->RegisterAction("Win32 Version Info Updater", "Compilers", "VERSIONINFO",
+                                   ActionClassOf<TQvVersionInfoUpdaterAction>());  // step 5
+  if (!registerDesignTime) return;                                                 // step 7
+  RegisterPropertyEditors();                                                       // step 8
   // Steps 9 to 13 register the action pages and the options page.
   RegisterBuildKindConstants();  // step 14
 }

@@ -1,6 +1,7 @@
 #include "RecordingActionContext.h"
 
 #include "QvExceptions.h"
+#include "QvSysUtils.h"
 #include "QvUtils.h"
 
 namespace qvtest {
@@ -46,6 +47,39 @@ class ScriptedProcess : public TInterfacedObject, public IQvProcess {
 };
 
 }  // namespace
+
+std::string MemoryPropertySet::GetPropertyNames() const {
+  TStringList names;
+  for (const auto& v : FValues)
+    names.Add(v.first);
+  return names.CommaText();
+}
+
+std::string MemoryPropertySet::GetValue(const std::string& name) const {
+  for (const auto& v : FValues)
+    if (SameText(v.first, name)) return v.second;
+  return {};
+}
+
+void MemoryPropertySet::SetValue(const std::string& name, const std::string& value) {
+  for (auto& v : FValues)
+    if (SameText(v.first, name)) {
+      v.second = value;
+      return;
+    }
+  FValues.emplace_back(name, value);
+}
+
+void* MemoryPropertySet::GetInterface(const TGUID& iid) {
+  if (void* p = QueryInterfaceList<IQvPropertySet>(this, iid)) return p;
+  return TInterfacedObject::GetInterface(iid);
+}
+
+IntfPtr<IQvPropertySet> RecordingActionContext::FindPropertySet(const std::string& name) {
+  for (const auto& set : PropertySets)
+    if (SameText(set->GetName(), name)) return IntfPtr<IQvPropertySet>(set.Get());
+  return nullptr;
+}
 
 IntfPtr<RecordingActionContext> RecordingActionContext::Create() {
   return IntfPtr<RecordingActionContext>(new RecordingActionContext);

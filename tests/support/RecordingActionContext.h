@@ -42,6 +42,24 @@ struct ProcessRun {
   std::string exe, params, dir;
 };
 
+// A property set held in memory, names without regard to case, in the order given.
+class MemoryPropertySet : public qv::TInterfacedObject, public qv::IQvPropertySet {
+ public:
+  MemoryPropertySet(std::string name, std::vector<std::pair<std::string, std::string>> values)
+      : FName(std::move(name)), FValues(std::move(values)) {}
+  std::string GetName() const override { return FName; }
+  std::string GetPropertyNames() const override;
+  std::string GetValue(const std::string& name) const override;
+  void SetValue(const std::string& name, const std::string& value) override;
+
+ protected:
+  void* GetInterface(const qv::TGUID& iid) override;
+
+ private:
+  std::string FName;
+  std::vector<std::pair<std::string, std::string>> FValues;
+};
+
 class RecordingActionContext : public qv::TInterfacedObject,
                                public qv::IQvActionContext,
                                public qv::IQvApplicationServices {
@@ -60,7 +78,8 @@ class RecordingActionContext : public qv::TInterfacedObject,
   std::string GetVariableValue(const std::string& name) override;
   void RegisterDynamicProperty(const std::string& name) override;
   void UnRegisterDynamicProperty(const std::string& name) override;
-  qv::IntfPtr<qv::IQvPropertySet> FindPropertySet(const std::string&) override { return nullptr; }
+  // The set of PropertySets with that name (any letter case), or null.
+  qv::IntfPtr<qv::IQvPropertySet> FindPropertySet(const std::string& name) override;
   std::string EncryptPassword(const std::string& plain) override;
   std::string DecryptPassword(const std::string& encrypted) override;
   // Each process replays the next of Scripts (an empty, successful run once none are left).
@@ -71,6 +90,7 @@ class RecordingActionContext : public qv::TInterfacedObject,
   // What the test sets up.
   std::map<std::string, std::string> Variables;
   std::deque<ProcessScript> Scripts;
+  std::vector<qv::IntfPtr<MemoryPropertySet>> PropertySets;
 
   // What the action did.
   std::vector<LogEntry> Log;

@@ -1,0 +1,190 @@
+#include "Qvvc7versioninfo.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include "QvSysUtils.h"
+#include "Qvvsdotnetaction.h"
+#include "support/ErrorOf.h"
+#include "support/RecordingActionContext.h"
+#include "support/TempDir.h"
+
+using namespace qv;
+using qvtest::ErrorOf;
+using qvtest::TempDir;
+
+namespace {
+
+const std::string kFixtures = QV_FIXTURES_DIR "/versioninfo/";
+
+// The block generated from the settings below, as the tools write it.
+const char* const kBlock[] = {"VS_VERSION_INFO VERSIONINFO",
+                              "FILEVERSION 1,2,3,4",
+                              "PRODUCTVERSION 1,2,3,4",
+                              "FILEFLAGSMASK 0x3FL",
+                              "FILEFLAGS 0x21L",
+                              "FILEOS 0x40004L",
+                              "FILETYPE 0x2L",
+                              "FILESUBTYPE 0x0L",
+                              "BEGIN",
+                              "    BLOCK \"StringFileInfo\"",
+                              "    BEGIN",
+                              "         BLOCK \"040904B0\"",
+                              "         BEGIN",
+                              "              VALUE \"CompanyName\", \"Example Ltd\"",
+                              "              VALUE \"FileVersion\", \"1.2.3.4\"",
+                              "         END",
+                              "    END",
+                              "    BLOCK \"VarFileInfo\"",
+                              "    BEGIN",
+                              "         VALUE \"Translation\", 0x0409, 1200",
+                              "    END",
+                              "END"};
+
+std::string Joined(std::string_view br) {
+  std::string s;
+  for (const char* line : kBlock)
+    s.append(line).append(br);
+  return s;
+}
+
+// The build action is the version-info object; a recording context expands %NAME%.
+class VersionInfoParser : public testing::Test {
+ protected:
+  TempDir dir;
+  IntfPtr<qvtest::RecordingActionContext> ctx = qvtest::RecordingActionContext::Create();
+  TQvVSDotNetAction info;
+  VersionInfoParser() {
+    info.BindContext(ctx);
+    info.SetMajorVersion(1);
+    info.SetMinorVersion(2);
+    info.SetReleaseVersion(3);
+    info.SetBuildVersion(4);
+    info.SetIsDebug(true);
+    info.SetIsSpecial(true);
+    info.SetIsDLL(true);
+    info.SetVersionInfoKeys("CompanyName=Example Ltd\r\nFileVersion=9.9\r\n");
+  }
+  std::string Update(const std::string& path) {
+    GetVersionInfoParser(&info, path)->UpdateVersionInfo(&info);
+    return TempDir::Read(path);
+  }
+  std::string ReadError(std::string_view script) {
+    std::string path = dir.Write("bad.rc", script);
+    return ErrorOf([&] { GetVersionInfoParser(&info, path)->ReadVersionInfo(&info); });
+  }
+};
+
+TEST_F(VersionInfoParser, ReadsAnEightBitScript) {
+  info.SetVersionInfoKeys("");
+  auto parser = GetVersionInfoParser(&info, kFixtures + "vs2003-ansi.rc");
+  EXPECT_FALSE(parser->ReadVersionInfo(&info));  // always false, by design
+  EXPECT_EQ(info.GetMajorVersion(), 1);
+  EXPECT_EQ(info.GetBuildVersion(), 1);
+  // Both FILEFLAGS lines of the #ifdef are read; the last one (0x0L) wins. "0x2L" reads as
+  // "2L", which is no number, so IsDLL is false.
+  EXPECT_FALSE(info.GetIsDebug() || info.GetIsSpecial() || info.GetIsDLL());
+  EXPECT_EQ(info.GetLocale(), 0x409);
+  EXPECT_EQ(info.GetCodePage(), 1200);
+  EXPECT_EQ(info.GetVersionInfoKeys(),
+            "Comments=Caf\xe9 edition\r\nCompanyName=Tidewater Tools\r\n"
+            "FileDescription=NativeCalc Dynamic Link Library\r\nFileVersion=1, 0, 0, 1\r\n"
+            "InternalName=NativeCalc\r\nLegalCopyright=Copyright \xa9 2003\r\n"
+            "OriginalFilename=NativeCalc.dll\r\nProductName= NativeCalc Dynamic Link Library\r\n"
+            "ProductVersion=1, 0, 0, 1\r\nSpecialBuild=\r\n");
+}
+
+TEST_F(VersionInfoParser, ReadQuirksAndErrors) {
+  const std::string head = "1 VERSIONINFO\n";
+  struct Case {
+    std::string script, error, keys;
+  } cases[] = {
+      {head + "BEGIN\nFILEVERSION 1,0,0,0\nEND\n", "Unexpected FILEVERSION", ""},
+      {head + "END\n", "Unexpected END", ""},
+      {head + "FILEFLAGS 0x21L\nBEGIN\nBEGIN\n", "Unexpected BEGIN", ""},
+      {head + "BEGIN\nBLOCK \"VarFileInfo\"\nBEGIN\nVALUE \"Translation\", 0x409, abc\n",
+       "'abc' is not a valid integer value", ""},
+      // A value holding "end" in any case closes the language block early: it is lost.
+      {head + "BEGIN\nBLOCK \"StringFileInfo\"\nBEGIN\nBLOCK \"040904b0\"\nBEGIN\n"
+              "VALUE \"A\", \"1\"\nVALUE \"Comments\", \"Frontend\"\nVALUE \"B\", \"2\"\nEND\n",
+       "(no exception)", "A=1\r\nB=2\r\n"},
+      // A quoted VERSIONINFO is no header.
+      {"// \"VERSIONINFO\"\nBEGIN\nEND\nEND\n", "(no exception)", "unchanged"},
+  };
+  for (const auto& c : cases) {
+    info.SetVersionInfoKeys("unchanged");
+    EXPECT_EQ(ReadError(c.script), c.error) << c.script;
+    if (!c.keys.empty()) {
+      EXPECT_EQ(info.GetVersionInfoKeys(), c.keys) << c.script;
+    }
+  }
+  ReadError(head + "FILEFLAGS 0x21L\nFILETYPE 0x01L\n");
+  EXPECT_TRUE(info.GetIsDebug() && info.GetIsSpecial() && info.GetIsDLL());
+  EXPECT_FALSE(info.GetIsPreRelease() || info.GetIsPrivate());
+}
+
+TEST_F(VersionInfoParser, ReplacesOnlyTheBlockKeepingEveryOtherByte) {
+  std::string original = TempDir::Read(kFixtures + "vs2003-ansi.rc");
+  std::string path = dir.Write("app.rc", original);
+  size_t start = original.find("VS_VERSION_INFO");
+  size_t end = original.find("END\r\n\r\n#endif") + 5;
+  std::string expected = original.substr(0, start) + "\r\n" + Joined("\r\n") + original.substr(end);
+  EXPECT_EQ(Update(path), expected);
+  EXPECT_EQ(TempDir::Read(path + ".orig"), original);
+  // A second update keeps the first backup.
+  info.SetBuildVersion(5);
+  Update(path);
+  EXPECT_EQ(TempDir::Read(path + ".orig"), original);
+}
+
+TEST_F(VersionInfoParser, KeepsEncodingAndLineBreaks) {
+  std::string utf16 = TempDir::Read(kFixtures + "vs2008-utf16le.rc");
+  std::string out = Update(dir.Write("de.rc", utf16));
+  ASSERT_EQ(out.substr(0, 2), "\xff\xfe");
+  TStringList lines;
+  lines.LoadFromFile(dir.File("de.rc"));
+  EXPECT_EQ(lines[17],
+            "    IDS_APP_TITLE           \"Gr\xc3\xb6\xc3\x9f"
+            "enrechner\"");
+  EXPECT_EQ(lines.Format().Encoding, TTextEncoding::UTF16LE);
+  // LF file without a final newline and no block: the block is appended with LF, the
+  // missing final newline stays missing.
+  std::string plain = TempDir::Read(kFixtures + "no-version.rc");
+  EXPECT_EQ(Update(dir.Write("n.rc", plain)),
+            plain + "\n\n" + Joined("\n").substr(0, Joined("\n").size() - 1));
+}
+
+TEST_F(VersionInfoParser, GeneratedValues) {
+  auto expand = [](const std::string& s) { return s == "%EMPTY%" ? std::string() : s + "!"; };
+  info.SetVersionInfoKeys("Comments=\r\nTrademark=%EMPTY%\r\nProductName=Calc\r\n");
+  info.SetAutoUpdateFileVersion(false);
+  info.SetIncludeCompileDate(true);
+  std::vector<std::string> block =
+      GenerateVersionBlock(info, expand, "Monday, May 4, 2009 9:05 AM");
+  // No FileVersion entry: no FILEVERSION line, and the linked product version is empty too.
+  EXPECT_EQ(block[1], "FILEFLAGSMASK 0x3FL");
+  EXPECT_EQ(block[11], "              VALUE \"Trademark\", \"\"");
+  EXPECT_EQ(block[12], "              VALUE \"ProductName\", \"Calc!\"");
+  EXPECT_EQ(block[13], "              VALUE \"Compile Date\", \"Monday, May 4, 2009 9:05 AM!\"");
+  std::time_t t = 1241427900;  // 2009-05-04 09:05:00 UTC
+  setenv("TZ", "UTC", 1);
+  tzset();
+  EXPECT_EQ(CompileDateText(t), "Monday, May 4, 2009 9:05 AM");
+}
+
+TEST_F(VersionInfoParser, FailuresLeaveTheScriptAlone) {
+  const std::string bad = "1 VERSIONINFO\r\nBEGIN\r\nBEGIN\r\n";
+  std::string path = dir.Write("bad.rc", bad);
+  EXPECT_EQ(ErrorOf([&] { GetVersionInfoParser(&info, path)->UpdateVersionInfo(&info); }),
+            "Unexpected BEGIN");
+  EXPECT_EQ(TempDir::Read(path), bad);
+  if (geteuid() == 0) GTEST_SKIP() << "root writes to read-only folders";
+  std::string ro = dir.Write("ro/app.rc", "x\r\n");
+  chmod(dir.File("ro").c_str(), 0555);
+  std::string error = ErrorOf([&] { GetVersionInfoParser(&info, ro)->UpdateVersionInfo(&info); });
+  chmod(dir.File("ro").c_str(), 0755);
+  EXPECT_NE(error.find("Permission denied"), std::string::npos) << error;
+  EXPECT_EQ(TempDir::Read(ro), "x\r\n");
+}
+
+}  // namespace
