@@ -109,7 +109,7 @@ class TInterfacedObject : public virtual IInterface {
 template <class... Intfs, class Self>
 void* QueryInterfaceList(Self* self, const TGUID& iid) {
   void* result = nullptr;
-  ((iid == Intfs::IID ? (result = static_cast<Intfs*>(self), true) : false) || ...);
+  (void)((iid == Intfs::IID ? (result = static_cast<Intfs*>(self), true) : false) || ...);
   return result;
 }
 
