@@ -86,10 +86,19 @@ int THostSession::RunProject(const std::string& fileName) {
   return RunAndSave(runner, FProject.get());
 }
 
-int THostSession::ExecAction(const std::string& type, const std::vector<std::string>& assignments) {
+int THostSession::ExecAction(const std::string& type, const std::vector<std::string>& assignments,
+                             const std::vector<std::pair<std::string, std::string>>& setValues) {
   const TActionRegistration* registration = FServices.FindAction(type);
   if (!registration) throw qv::Exception("Unknown action type \"" + type + "\"");
   TRunner& runner = NewRunner();
+  // SET.NAME=VALUE: property names hold no point, set names may.
+  for (const auto& [key, value] : setValues) {
+    size_t dot = key.rfind('.');
+    if (dot == std::string::npos || dot == 0 || dot + 1 == key.size())
+      throw qv::Exception("--property-value expects SET.NAME=VALUE, not \"" + key + "=" + value +
+                          "\"");
+    runner.SetPropertySetValue(key.substr(0, dot), key.substr(dot + 1), value);
+  }
   TActionInstance& action = runner.AddAction(*registration);
   for (const auto& assignment : assignments)
     ApplyAssignment(*action.Action, assignment);

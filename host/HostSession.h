@@ -29,8 +29,9 @@ struct THostSettings {
   std::string OptionsFile;   // empty: the per-user default
   std::string RegistryFile;  // empty: $QV_REGISTRY, else the system's registry where there is one
   std::string KeyFile;       // empty: the default password key file
-  std::vector<std::pair<std::string, std::string>> Variables;   // --var
-  std::vector<std::pair<std::string, std::string>> Frameworks;  // --framework
+  std::vector<std::pair<std::string, std::string>> Variables;          // --var
+  std::vector<std::pair<std::string, std::string>> Frameworks;         // --framework
+  std::vector<std::pair<std::string, std::string>> PropertySetValues;  // exec --property-value
   std::string FallbackFramework;      // the folder offered for other versions; empty: none
   std::vector<std::string> Packages;  // loaded after those beside the executable
   bool DefaultPackages = true;        // load the *.qvp files beside the executable
@@ -58,7 +59,9 @@ class THostSession {
   int RunProject(const std::string& fileName);
   // Runs one action of `type` (class name or caption) with "NAME=VALUE" / "NAME+=LINE"
   // assignments. Throws qv::Exception for an unknown type, property or value.
-  int ExecAction(const std::string& type, const std::vector<std::string>& assignments);
+  // `setValues` ("SET.NAME", VALUE) fill property sets the action may read.
+  int ExecAction(const std::string& type, const std::vector<std::string>& assignments,
+                 const std::vector<std::pair<std::string, std::string>>& setValues = {});
   // Safe from any thread, at any time: stops the build (see TRunner::RequestStop).
   void RequestStop();
 

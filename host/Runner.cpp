@@ -1,10 +1,13 @@
 #include "Runner.h"
 
+#include <algorithm>
+
 #include <chrono>
 
 #include "Expander.h"
 #include "LogSink.h"
 #include "QvExceptions.h"
+#include "QvSysUtils.h"
 
 namespace qvhost {
 
@@ -66,6 +69,16 @@ TActionInstance TRunner::Create(const TActionRegistration& type) {
 TActionInstance& TRunner::AddAction(const TActionRegistration& type) {
   FActions.push_back(Create(type));
   return FActions.back();
+}
+
+void TRunner::SetPropertySetValue(const std::string& set, const std::string& name,
+                                  const std::string& value) {
+  auto it = std::find_if(FEnv.PropertySets.begin(), FEnv.PropertySets.end(),
+                         [&](const auto& ps) { return qv::SameText(ps->GetName(), set); });
+  if (it == FEnv.PropertySets.end())
+    it = FEnv.PropertySets.insert(
+        it, qv::IntfPtr<THostPropertySet>(new THostPropertySet(set, pugi::xml_node())));
+  (*it)->LoadValue(name, value);
 }
 
 void TRunner::LoadProject(const TProjectFile& file) {

@@ -42,6 +42,9 @@ class TRunner {
   void LoadProject(const TProjectFile& file);
   // Adds one action of a registered type, to be configured by the caller.
   TActionInstance& AddAction(const TActionRegistration& type);
+  // Sets a value of the property set `set`, creating the set (not saved anywhere) if needed.
+  void SetPropertySetValue(const std::string& set, const std::string& name,
+                           const std::string& value);
 
   // Runs the actions in order until one fails; true when none did. A failing action has
   // logged why: its validation errors, its exception, or what it reported itself.

@@ -36,6 +36,7 @@ struct TCommandLine {
   bool NoColour = false, NoDefaultPackages = false;
   std::string Project, Type;
   std::vector<std::string> Assignments;
+  std::vector<std::string> PropertySetValues;
 };
 
 void AddGlobalOptions(CLI::App& app, TCommandLine& cl) {
@@ -67,7 +68,8 @@ void AddGlobalOptions(CLI::App& app, TCommandLine& cl) {
 int Run(CLI::App& app, TCommandLine& cl) {
   auto& s = cl.Settings;
   std::string bad;
-  if (!SplitPairs(cl.Vars, s.Variables, bad) || !SplitPairs(cl.Frameworks, s.Frameworks, bad)) {
+  if (!SplitPairs(cl.Vars, s.Variables, bad) || !SplitPairs(cl.Frameworks, s.Frameworks, bad) ||
+      !SplitPairs(cl.PropertySetValues, s.PropertySetValues, bad)) {
     std::cerr << "qvhost: expected NAME=VALUE, not \"" << bad << "\"\n";
     return qvhost::kExitBadInput;
   }
@@ -80,7 +82,8 @@ int Run(CLI::App& app, TCommandLine& cl) {
     qvhost::THostSession session(s, std::cout);
     qvhost::platform::TInterruptWatcher watcher([&session] { session.RequestStop(); });
     if (app.got_subcommand("run")) return session.RunProject(cl.Project);
-    if (app.got_subcommand("exec")) return session.ExecAction(cl.Type, cl.Assignments);
+    if (app.got_subcommand("exec"))
+      return session.ExecAction(cl.Type, cl.Assignments, s.PropertySetValues);
     return session.ListActions();
   } catch (const std::exception& e) {
     std::cout.flush();
@@ -109,6 +112,10 @@ int main(int argc, char** argv) {
   exec->add_option("ASSIGNMENT", cl.Assignments,
                    "NAME=VALUE sets a property (\\n separates list lines); NAME+=LINE adds a "
                    "line to a list");
+  exec->add_option("--property-value", cl.PropertySetValues,
+                   "Sets a value of a property set the action may read (repeatable)")
+      ->type_name("SET.NAME=VALUE")
+      ->allow_extra_args(false);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& e) {
