@@ -19,5 +19,8 @@ echo
 echo "==== The demo build process (qvhost run examples/demo/Greeting.qvproj)"
 build/bin/qvhost run examples/demo/Greeting.qvproj --var "DEMO=$demo" --options "$demo/options.xml"
 echo
+echo "==== The version resource it stamped (vs2008/GreetingNative/App.rc)"
+sed -n '/^VS_VERSION_INFO/,/^END/p' "$demo/vs2008/GreetingNative/App.rc" | tr -d '\r'
+echo
 echo "==== The program it built (Debug, with DEBUG, TRACE and EXTRA defined)"
 mono "$demo/vs2008/Greeting.Console/bin/Debug/Greeting.Console.exe"
