@@ -148,6 +148,24 @@ class TQvCustomVSDotNetAction : public TQvMultiExecAction, public IQvVC7VersionI
 
   // Sets the "FileVersion" string to Major.Minor.Release.Build.
   void UpdateFileVersion();
+
+  // Version stamping before the build.
+  // The text with the number after its last "|" expanded and counted up (-1 + 1 when it is
+  // no number): 1|2|7 gives 1|2|8.
+  std::string DoAutoIncBuild(const std::string& text);
+  // Counts up the assembly version parts whose switches are on, in the fixed order.
+  void CountUpAssemblyNumbers();
+  // Copy the named host property set into the settings; false (logged) when there is none.
+  bool LoadDotNetVersionInfoFromPropertySet();
+  bool LoadWin32VersionInfoFromPropertySet();
+  // Rewrites one resource script's version block from this action; false (logged) on failure.
+  bool ApplyVersionInfo(const std::string& fileName);
+  // Counts BuildVersion up when asked and stamps the chosen (or every) project's script.
+  bool DoUpdateWin32VersionInfo(IVSDotNetSolution& solution);
+  // The whole Win32 step: its message group, the property set and DoUpdateWin32VersionInfo.
+  bool StampWin32Resources(IVSDotNetSolution& solution);
+  // Drops identifiers that name no project of the solution any more.
+  static void PruneStaleProjects(IVSDotNetSolution& solution, TStringList& ids);
   // Sets (replacing or appending) or removes one string-table entry of VersionInfoKeys.
   void SetVersionInfoKey(const std::string& key, const std::string& value);
   void RemoveVersionInfoKey(const std::string& key);

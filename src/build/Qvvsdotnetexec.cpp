@@ -36,8 +36,7 @@ bool TQvCustomVSDotNetAction::Execute() {
   IntfPtr<IVSDotNetSolution> solution = LoadSolution();
   if (FUpdateAssemblyInfo)
     throw EFailAction("Version stamping of AssemblyInfo files is not available in this build.");
-  if (FUpdateWin32Resource)
-    throw EFailAction("Version stamping of Win32 resources is not available in this build.");
+  if (FUpdateWin32Resource && !StampWin32Resources(*solution)) return false;
   FStructuredOutputHelper->Start(solution->GetFileName(), FStructuredOutput);
   bool result = PerformBuild(configuration, *solution);
   if (FStructuredOutput && UsingMSBuild()) {

@@ -1,0 +1,185 @@
+// Version stamping before a build: counted-up numbers, property sets, and the Win32
+// version resources of the chosen Visual C++ projects.
+#include <algorithm>
+
+#include "QvExceptions.h"
+#include "QvSysUtils.h"
+#include "QvUtils.h"
+#include "Qvvc7versioninfo.h"
+#include "Qvvsdotnetaction.h"
+
+namespace qv {
+
+namespace {
+
+// A part's text plus one; a part that is no number ("*", an expression) restarts at 1.
+std::string CountedUp(const std::string& part) {
+  return IntToStr(StrToInt64Def(part, 0) + 1);
+}
+
+// The property names of a set, without the two every set carries.
+std::vector<std::string> SetPropertyNames(IQvPropertySet& set) {
+  TStringList names;
+  names.SetCommaText(set.GetPropertyNames());
+  std::vector<std::string> out;
+  for (const std::string& n : names)
+    if (!SameText(n, "ObjectID") && !SameText(n, "Name")) out.push_back(n);
+  return out;
+}
+
+}  // namespace
+
+std::string TQvCustomVSDotNetAction::DoAutoIncBuild(const std::string& text) {
+  size_t bar = text.rfind('|');
+  std::string kept = bar == std::string::npos ? std::string() : text.substr(0, bar + 1);
+  std::string rest = ExpandExpression(text.substr(kept.size()), true);
+  return kept + IntToStr(StrToInt64Def(rest, -1) + 1);
+}
+
+void TQvCustomVSDotNetAction::CountUpAssemblyNumbers() {
+  if (FAutoIncAssemblyRevisionNo) {
+    FAssemblyVersionParts[3] = CountedUp(FAssemblyVersionParts[3]);
+    ResetAssemblyVersion();
+  }
+  if (FAutoIncAssemblyFileRevisionNo) {
+    FAssemblyFileVersionParts[3] = CountedUp(FAssemblyFileVersionParts[3]);
+    ResetAssemblyFileVersion();
+  }
+  if (FAutoIncAssemblyBuildNumber) {
+    FAssemblyVersionParts[2] = CountedUp(FAssemblyVersionParts[2]);
+    ResetAssemblyVersion();
+  }
+  if (FAutoIncAssemblyFileBuildNumber) {
+    FAssemblyFileVersionParts[2] = CountedUp(FAssemblyFileVersionParts[2]);
+    ResetAssemblyFileVersion();
+  }
+}
+
+bool TQvCustomVSDotNetAction::LoadDotNetVersionInfoFromPropertySet() {
+  IntfPtr<IQvPropertySet> set = FindPropertySet(FDotNetVersionInfoPropertySetName);
+  if (!set) {
+    SendMessage("Unable to find property set: " + FDotNetVersionInfoPropertySetName,
+                TStatusTag::Error);
+    return false;
+  }
+  static const char* const kParts[] = {"MajorVersion", "MinorVersion", "BuildVersion",
+                                       "RevisionVersion"};
+  const std::pair<const char*, std::pair<std::string*, bool*>> texts[] = {
+      {"Title", {&FAssemblyTitle, &FUpdateAssemblyTitle}},
+      {"Description", {&FAssemblyDescription, &FUpdateAssemblyDescription}},
+      {"Company", {&FAssemblyCompany, &FUpdateAssemblyCompany}},
+      {"Product", {&FAssemblyProductName, &FUpdateAssemblyProductName}},
+      {"Copyright", {&FAssemblyCopyright, &FUpdateAssemblyCopyright}},
+      {"Trademark", {&FAssemblyTradeMark, &FUpdateAssemblyTradeMark}},
+  };
+  for (const std::string& name : SetPropertyNames(*set)) {
+    std::string value = set->GetValue(name);
+    for (size_t i = 0; i < 4; ++i)
+      if (SameText(name, kParts[i])) {
+        FAssemblyVersionParts[i] = FAssemblyFileVersionParts[i] = value;
+        FUpdateAssemblyVersion = FUpdateAssemblyFileVersion = true;
+      }
+    for (const auto& [key, target] : texts)
+      if (SameText(name, key)) {
+        *target.first = value;
+        *target.second = true;
+      }
+  }
+  ResetAssemblyVersion();
+  ResetAssemblyFileVersion();
+  return true;
+}
+
+bool TQvCustomVSDotNetAction::LoadWin32VersionInfoFromPropertySet() {
+  IntfPtr<IQvPropertySet> set = FindPropertySet(FWin32VersionInfoPropertySetName);
+  if (!set) {
+    SendMessage("Unable to find property set: " + FWin32VersionInfoPropertySetName,
+                TStatusTag::Error);
+    return false;
+  }
+  const std::pair<const char*, bool TQvCustomVSDotNetAction::*> flags[] = {
+      {"DebugBuild", &TQvCustomVSDotNetAction::FIsDebug},
+      {"SpecialBuild", &TQvCustomVSDotNetAction::FIsSpecial},
+      {"PrivateBuild", &TQvCustomVSDotNetAction::FIsPrivate},
+      {"PreReleaseBuild", &TQvCustomVSDotNetAction::FIsPreRelease},
+  };
+  for (const std::string& name : SetPropertyNames(*set)) {
+    std::string value = set->GetValue(name);
+    if (HasProperty(name)) {
+      SetPropValue(name, value);
+      continue;
+    }
+    if (SameText(name, "DLL")) {
+      FIsDLL = StrToBoolDef(value, false);
+      continue;
+    }
+    auto flag = std::find_if(std::begin(flags), std::end(flags),
+                             [&](const auto& f) { return SameText(name, f.first); });
+    if (flag == std::end(flags)) {
+      SetVersionInfoKey(name, value);
+    } else if ((this->*flag->second = StrToBoolDef(value, false))) {
+      SetVersionInfoKey(name, value);
+    } else {
+      RemoveVersionInfoKey(name);
+    }
+  }
+  return true;
+}
+
+bool TQvCustomVSDotNetAction::ApplyVersionInfo(const std::string& fileName) {
+  try {
+    IntfPtr<IQvVC7VersionInfoParser> parser = GetVersionInfoParser(this, fileName);
+    SendMessage("Updating Version info in file : " + fileName, TStatusTag::Plain);
+    parser->UpdateVersionInfo(this);
+    return true;
+  } catch (const std::exception& e) {
+    SendMessage(e.what(), TStatusTag::Error);
+    return false;
+  }
+}
+
+// Drops identifiers that name no project of the solution any more.
+void TQvCustomVSDotNetAction::PruneStaleProjects(IVSDotNetSolution& solution, TStringList& ids) {
+  IntfPtr<IVSDotNetProjects> projects = solution.GetProjects();
+  for (int i = ids.Count() - 1; i >= 0; --i)
+    if (!projects->FindByGUID(ids[i])) ids.Delete(i);
+}
+
+bool TQvCustomVSDotNetAction::DoUpdateWin32VersionInfo(IVSDotNetSolution& solution) {
+  if (FAutoIncBuild) {
+    ++FBuildVersion;
+    UpdateFileVersion();
+  }
+  IntfPtr<IVSDotNetProjects> projects = solution.GetProjects();
+  std::vector<IntfPtr<IVSDotNetProject>> chosen;
+  if (FApplyResourceInfoTo == TVSDotNetBuildType::btSelectedProjects) {
+    PruneStaleProjects(solution, FResourceSelectedProjects);
+    for (const std::string& id : FResourceSelectedProjects)
+      chosen.push_back(projects->FindByGUID(id));
+  } else {
+    for (int i = 0; i < projects->GetCount(); ++i)
+      chosen.push_back(projects->GetItem(i));
+  }
+  for (const auto& project : chosen) {
+    std::string script = project->GetVersionInfoFile();
+    if (!script.empty() && !ApplyVersionInfo(script)) return false;
+  }
+  return true;
+}
+
+bool TQvCustomVSDotNetAction::StampWin32Resources(IVSDotNetSolution& solution) {
+  StartMessageGroup("Updating Win32 Version Info", 0, TStatusTag::Plain);
+  if (FUseWin32PropertySet) {
+    // The group stays open on these two failures; the host closes it with the action.
+    if (FWin32VersionInfoPropertySetName.empty()) {
+      SendMessage("Win32 PropertySet name is blank", TStatusTag::Error);
+      return false;
+    }
+    if (!LoadWin32VersionInfoFromPropertySet()) return false;
+  }
+  bool ok = DoUpdateWin32VersionInfo(solution);
+  EndMessageGroup(ok ? TStatusTag::Success : TStatusTag::Error);
+  return ok;
+}
+
+}  // namespace qv
