@@ -391,9 +391,9 @@ TEST_F(Execute, FailuresBeforeTheBuild) {
   Set("Solution", "%Missing%");
   EXPECT_EQ(FailureOf([&] { action->Execute(); }), "Failed to expand solution file name.");
   Set("Solution", sln);
-  Set("UpdateWin32Resource", "True");
+  Set("UpdateAssemblyInfo", "True");
   EXPECT_NE(FailureOf([&] { action->Execute(); }).find("not available"), std::string::npos);
-  Set("UpdateWin32Resource", "False");
+  Set("UpdateAssemblyInfo", "False");
 
   dotnet.Folders.clear();
   EXPECT_FALSE(action->Execute());
