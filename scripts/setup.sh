@@ -6,7 +6,7 @@ set -euo pipefail
 
 packages=(
   cmake ninja-build g++ pkg-config git procps
-  libpugixml-dev libpcre2-dev libsodium-dev libcurl4-openssl-dev libcli11-dev
+  libpugixml-dev libxml2-dev libpcre2-dev libsodium-dev libcurl4-openssl-dev libcli11-dev
   libgtest-dev libgmock-dev libbenchmark-dev
   mono-xbuild mono-mcs mono-devel
   clang-14 libclang-rt-14-dev

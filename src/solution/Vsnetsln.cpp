@@ -1,7 +1,5 @@
 #include "Vsnetsln.h"
 
-#include <pugixml.hpp>
-
 #include <unordered_map>
 
 #include "QvExceptions.h"
@@ -9,6 +7,7 @@
 #include "QvSysUtils.h"
 #include "QvUtils.h"
 #include "VsnetslnOrder.h"
+#include "VsnetslnVcproj.h"
 
 namespace qv {
 
@@ -198,13 +197,6 @@ class TVSDotNetSolution : public TVSDotNetObject, public IVSDotNetSolution {
 
 // ---- project files ------------------------------------------------------------------------
 
-int LineOfOffset(std::string_view text, ptrdiff_t offset) {
-  int line = 1;
-  for (ptrdiff_t i = 0; i < offset && i < static_cast<ptrdiff_t>(text.size()); ++i)
-    if (text[static_cast<size_t>(i)] == '\n') ++line;
-  return line;
-}
-
 void TVSDotNetProject::ReadProjectFile(const std::string& solutionDir) {
   std::string path = ExpandRelativePath(FFileName, solutionDir);
   if (!platform::FileExists(path)) return;
@@ -213,23 +205,9 @@ void TVSDotNetProject::ReadProjectFile(const std::string& solutionDir) {
   std::string text, error;
   if (!platform::ReadWholeFile(path, text, error))
     throw Exception("Error parsing project file : " + error + " (" + path + ")");
-  pugi::xml_document doc;
-  pugi::xml_parse_result result = doc.load_buffer(text.data(), text.size());
-  if (!result)
-    throw Exception("Error parsing project file : " + std::string(result.description()) +
-                    " at offset " + std::to_string(result.offset) + " (line " +
-                    std::to_string(LineOfOffset(text, result.offset)) + " of " + path + ")");
-  if (std::string_view(doc.document_element().name()) != "VisualStudioProject") return;
-
   std::string projectDir = ExtractFilePath(path);
-  // Only files inside a first-level filter count; nested filters are not looked into.
-  for (pugi::xpath_node filter : doc.select_nodes("VisualStudioProject/Files/Filter")) {
-    for (pugi::xml_node file : filter.node().children("File")) {
-      std::string rel = file.attribute("RelativePath").value();
-      if (SameText(ExtractFileExt(rel), ".rc"))
-        FResourceFiles.Add(ExpandRelativePath(rel, projectDir));
-    }
-  }
+  for (const std::string& rel : ReadVcprojResourceScripts(text, path))
+    FResourceFiles.Add(ExpandRelativePath(rel, projectDir));
   FindVersionInfoFile();
 }
 

@@ -266,11 +266,33 @@ TEST_F(ProjectFiles, UnreadableScriptsAreSkippedAndOtherRootsContributeNothing) 
   EXPECT_EQ(s->GetProjects()->FindByGUID(kA)->GetResourceFiles()->Count(), 2);
   EXPECT_EQ(s->GetProjects()->FindByGUID(kA)->GetVersionInfoFile(), "");
   EXPECT_EQ(s->GetProjects()->FindByGUID(kB)->GetResourceFiles()->Count(), 0);
-  // A malformed project file fails the whole solution.
-  dir.Write("App/App.vcproj", "<VisualStudioProject>\n  <Files>\n</VisualStudioProject>\n");
-  EXPECT_EQ(ErrorOf(Header() + kAppVcproj + kEmptyGlobal),
-            "Error parsing project file : Start-end tags mismatch at offset 34 (line 3 of " +
-                dir.File("App/App.vcproj") + ")");
+  // What a conforming parser rejects fails the whole solution; what it accepts loads.
+  const std::string v = "<VisualStudioProject>\n<Files><Filter><File RelativePath=\"\xe4.rc\"/>";
+  const std::pair<std::string, std::string> cases[] = {
+      {"<VisualStudioProject>\n  <Files>\n</VisualStudioProject>\n",
+       "Opening and ending tag mismatch: Files line 2 and VisualStudioProject (line 3"},
+      {"<VisualStudioProject A=\"1\"\n A=\"2\"/>", "Attribute A redefined (line 2"},
+      {"\n<?xml version=\"1.0\"?>\n<VisualStudioProject/>",
+       "XML declaration allowed only at the start of the document (line 2"},
+      {"<VisualStudioProject>\n<x:Files/></VisualStudioProject>",
+       "Namespace prefix x on Files is not defined (line 2"},
+      {"\xef\xbb\xbf<?xml version=\"1.0\" encoding=\"Windows-1252\"?>\r\n" + v +
+           "</Filter></Files></VisualStudioProject>\r\n",
+       ""},
+  };
+  for (const auto& [text, error] : cases) {
+    dir.Write("App/App.vcproj", text);
+    std::string got = ErrorOf(Header() + kAppVcproj + kEmptyGlobal);
+    if (error.empty()) {
+      EXPECT_EQ(got, "(no exception)");
+    } else {
+      EXPECT_EQ(
+          got, "Error parsing project file : " + error + " of " + dir.File("App/App.vcproj") + ")");
+    }
+  }
+  auto app = Open(Header() + kAppVcproj + kEmptyGlobal)->GetProjects()->GetItem(0);
+  EXPECT_EQ(app->GetResourceFiles()->Strings(),
+            std::vector<std::string>{dir.File("App/\xc3\xa4.rc")});  // decoded as Windows-1252
 }
 
 TEST(Examples, BundledSolutionsOpenInDependencyOrder) {
