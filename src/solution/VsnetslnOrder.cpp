@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <climits>
+#include <cstdint>
 #include <deque>
+#include <optional>
 #include <queue>
 
 #include "QvExceptions.h"
@@ -118,6 +120,45 @@ bool HasMutualPair(const Graph& g) {
   return false;
 }
 
+// A 64-bit mark of an item standing at a position; the XOR of the marks of all positions
+// identifies an order (up to collisions, which are checked for).
+uint64_t Mark(int item, int position) {
+  uint64_t x =
+      (static_cast<uint64_t>(item) << 32 | static_cast<uint32_t>(position)) + 0x9E3779B97F4A7C15ULL;
+  x = (x ^ (x >> 30)) * 0xBF58476D1CE4E5B9ULL;
+  x = (x ^ (x >> 27)) * 0x94D049BB133111EBULL;
+  return x ^ (x >> 31);
+}
+
+// Detects that the exchanges have come back to an order seen before (Brent's method): the
+// procedure's next step depends on the order alone, so from there it would run forever.
+class TLoopDetector {
+ public:
+  explicit TLoopDetector(const std::vector<int>& order) : FSaved(order) {
+    for (int p = 0; p < static_cast<int>(order.size()); ++p)
+      FHash ^= Mark(order[p], p);
+    FSavedHash = FHash;
+  }
+  // Records the exchange of items a and b at positions i and j; true when the order after
+  // it was seen before.
+  bool Exchanged(const std::vector<int>& order, int a, int i, int b, int j) {
+    FHash ^= Mark(a, i) ^ Mark(b, j) ^ Mark(a, j) ^ Mark(b, i);
+    if (FHash == FSavedHash && order == FSaved) return true;
+    if (++FSteps == FPower) {
+      FSaved = order;
+      FSavedHash = FHash;
+      FPower *= 2;
+      FSteps = 0;
+    }
+    return false;
+  }
+
+ private:
+  std::vector<int> FSaved;
+  uint64_t FHash = 0, FSavedHash = 0;
+  long FSteps = 0, FPower = 1;
+};
+
 // A cycle through the first item (in current order) that lies on one.
 std::vector<int> FirstCycle(const Graph& g, const std::vector<int>& comp,
                             const std::vector<int>& componentSize) {
@@ -141,7 +182,8 @@ std::vector<int> DependencyOrder(const std::vector<std::vector<int>>& dependsOn,
 
   // On a cycle the procedure either meets two items that depend on each other, and fails
   // with them, or never ends. Without such a pair it cannot fail, so the cycle is reported
-  // at once; with one, the exchanges run under a budget no acyclic order comes near.
+  // at once; with one, the exchanges run until they fail or come back to an order they
+  // have produced before, from which the procedure would repeat itself for ever.
   int count = 0;
   std::vector<int> comp = Components(g, count);
   std::vector<int> componentSize(count, 0);
@@ -149,8 +191,6 @@ std::vector<int> DependencyOrder(const std::vector<std::vector<int>>& dependsOn,
     ++componentSize[c];
   bool cyclic = count < n;
   if (cyclic && !HasMutualPair(g)) ThrowCycle(FirstCycle(g, comp, componentSize), name);
-  const long budget = cyclic ? 4L * n * n + 100000 : -1;
-  long exchanges = 0;
 
   std::vector<int> order(n), pos(n);
   for (int i = 0; i < n; ++i)
@@ -165,6 +205,8 @@ std::vector<int> DependencyOrder(const std::vector<std::vector<int>>& dependsOn,
     return std::binary_search(g.out[a].begin(), g.out[a].end(), b);
   };
 
+  std::optional<TLoopDetector> loops;
+  if (cyclic) loops.emplace(order);
   std::priority_queue<int, std::vector<int>, std::greater<int>> candidates;
   for (int i = 0; i < n; ++i) {
     if (firstDependant(order[i]) >= i) continue;
@@ -178,10 +220,11 @@ std::vector<int> DependencyOrder(const std::vector<std::vector<int>>& dependsOn,
       if (j >= k) continue;  // settled since it was queued
       int q = order[j];
       if (dependsOnItem(p, q)) ThrowCycle({p, q}, name);
-      if (++exchanges == budget) ThrowCycle(FirstCycle(g, comp, componentSize), name);
       std::swap(order[j], order[k]);
       pos[p] = j;
       pos[q] = k;
+      if (loops && loops->Exchanged(order, p, k, q, j))
+        ThrowCycle(FirstCycle(g, comp, componentSize), name);
       for (int d : g.out[p])
         if (pos[d] > j && pos[d] <= i) candidates.push(pos[d]);
       if (firstDependant(q) < k) candidates.push(k);
