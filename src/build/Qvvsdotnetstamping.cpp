@@ -12,9 +12,14 @@ namespace qv {
 
 namespace {
 
-// A part's text plus one; a part that is no number ("*", an expression) restarts at 1.
+// A 32-bit number plus one, wrapping round at the top as the Win32 tools' integers do.
+int32_t Next(int32_t v) {
+  return static_cast<int32_t>(static_cast<uint32_t>(v) + 1u);
+}
+
+// A part's text plus one; a part that is no 32-bit number ("*", an expression) restarts at 1.
 std::string CountedUp(const std::string& part) {
-  return IntToStr(StrToInt64Def(part, 0) + 1);
+  return IntToStr(Next(StrToIntDef(part, 0)));
 }
 
 // The property names of a set, without the two every set carries.
@@ -33,7 +38,7 @@ std::string TQvCustomVSDotNetAction::DoAutoIncBuild(const std::string& text) {
   size_t bar = text.rfind('|');
   std::string kept = bar == std::string::npos ? std::string() : text.substr(0, bar + 1);
   std::string rest = ExpandExpression(text.substr(kept.size()), true);
-  return kept + IntToStr(StrToInt64Def(rest, -1) + 1);
+  return kept + IntToStr(Next(StrToIntDef(rest, -1)));
 }
 
 void TQvCustomVSDotNetAction::CountUpAssemblyNumbers() {
@@ -147,7 +152,7 @@ void TQvCustomVSDotNetAction::PruneStaleProjects(IVSDotNetSolution& solution, TS
 
 bool TQvCustomVSDotNetAction::DoUpdateWin32VersionInfo(IVSDotNetSolution& solution) {
   if (FAutoIncBuild) {
-    ++FBuildVersion;
+    FBuildVersion = Next(FBuildVersion);
     UpdateFileVersion();
   }
   IntfPtr<IVSDotNetProjects> projects = solution.GetProjects();
