@@ -63,9 +63,12 @@ TOptionsStore::TOptionsStore(std::string fileName) : FFileName(std::move(fileNam
   }
   if (!qv::platform::ReadWholeFile(FFileName, text, error))
     throw qv::Exception("Cannot read options file \"" + FFileName + "\" : " + error);
+  // Line ends stay as written: the writer puts a CR of a value into the file as it is, and
+  // normalising it would read it back as LF.
   pugi::xml_parse_result r =
       FDoc.load_buffer(text.data(), text.size(),
-                       pugi::parse_default | pugi::parse_comments | pugi::parse_ws_pcdata_single);
+                       (pugi::parse_default | pugi::parse_comments | pugi::parse_ws_pcdata_single) &
+                           ~pugi::parse_eol);
   if (!r)
     throw qv::Exception(FFileName + ":" + std::to_string(LineAt(text, r.offset)) + ": " +
                         r.description());

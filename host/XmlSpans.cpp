@@ -142,6 +142,9 @@ std::string EscapeXml(std::string_view s, bool attribute) {
       case '"':
         r += attribute ? "&quot;" : "\"";
         break;
+      case '\'':  // the attribute replaced may be delimited by either quote
+        r += attribute ? "&apos;" : "'";
+        break;
       case '\n':
         r += attribute ? "&#10;" : "\n";
         break;

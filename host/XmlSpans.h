@@ -41,7 +41,8 @@ std::string IndentBefore(std::string_view text, size_t pos);
 std::string_view LineBreakOf(std::string_view text);
 
 // `s` escaped for element content (&, <, >, CR) or, with `attribute`, for a double-quoted
-// attribute value (also ", LF and tab as character references).
+// attribute value delimited by either quote (also " and ' as entities, LF and tab as
+// character references).
 std::string EscapeXml(std::string_view s, bool attribute);
 
 }  // namespace qvhost

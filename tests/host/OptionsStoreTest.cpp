@@ -64,6 +64,14 @@ TEST(TOptionsStore, StartsEmptyAndWritesItsFileOnlyWhenSavedInto) {
             "    <Value name=\"Count\" type=\"integer\">3</Value>\n"
             "  </Section>\n"
             "</QvOptions>\n");
+  // Carriage returns come back as they were saved.
+  for (std::string path : {"a\rb\r\nc\n", "\r"}) {
+    options->Path = path;
+    store.SaveObject(*options);
+    store.Flush();
+    TOptionsStore again(dir.File("config/quorvex/options.xml"));
+    EXPECT_EQ(Loaded(again)->Path, path);
+  }
 }
 
 TEST(TOptionsStore, ReadsAnyLetterCaseTheOldKeyAndKeepsWhatItDoesNotOwn) {

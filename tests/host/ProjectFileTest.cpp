@@ -68,7 +68,7 @@ TEST(TProjectFile, RewritesOnlyTheChangedValues) {
       "<QvProject>\n"
       "  <Actions>\n"
       "    <Action type='T'> <!-- first -->\n"
-      "      <Property name=\"Attr\" value=\"1\"/>\n"
+      "      <Property name='Attr' value='1'/>\n"
       "      <Property name=\"Text\">old <!-- kept --></Property>\n"
       "      <Property name=\"Empty\"/>\n"
       "      <Property name=\"List\"><Line>a</Line></Property>\n"
@@ -81,7 +81,7 @@ TEST(TProjectFile, RewritesOnlyTheChangedValues) {
   std::string file = dir.Write("p.qvproj", original);
   auto project = TProjectFile::Load(file);
   auto first = project->Actions()[0].Node, second = project->Actions()[1].Node;
-  project->SetProperty(first, "attr", "2 & \"3\"", false);
+  project->SetProperty(first, "attr", "2 & \"3\" 'x'", false);
   project->SetProperty(first, "Text", "new <value>", false);
   project->SetProperty(first, "Empty", "filled", false);
   project->SetProperty(first, "List", "b\r\nc\r\n", true);
@@ -94,7 +94,7 @@ TEST(TProjectFile, RewritesOnlyTheChangedValues) {
             "<QvProject>\n"
             "  <Actions>\n"
             "    <Action type='T'> <!-- first -->\n"
-            "      <Property name=\"Attr\" value=\"2 &amp; &quot;3&quot;\"/>\n"
+            "      <Property name='Attr' value='2 &amp; &quot;3&quot; &apos;x&apos;'/>\n"
             "      <Property name=\"Text\">new &lt;value&gt;<!-- kept --></Property>\n"
             "      <Property name=\"Empty\">filled</Property>\n"
             "      <Property name=\"List\">\n"
@@ -111,7 +111,7 @@ TEST(TProjectFile, RewritesOnlyTheChangedValues) {
             "  </Actions>\n"
             "</QvProject>\n");
   auto reloaded = TProjectFile::Load(file);
-  EXPECT_EQ(reloaded->Actions()[0].Properties[0].Value, "2 & \"3\"");
+  EXPECT_EQ(reloaded->Actions()[0].Properties[0].Value, "2 & \"3\" 'x'");
   EXPECT_EQ(reloaded->Actions()[0].Properties[1].Value, "new <value>");
 }
 
