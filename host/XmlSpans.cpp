@@ -126,6 +126,13 @@ std::string_view LineBreakOf(std::string_view text) {
 }
 
 std::string EscapeXml(std::string_view s, bool attribute) {
+  // Element content of blanks only would be dropped by the reader: write it as references.
+  if (!attribute && !s.empty() && s.find_first_not_of(" \t\r\n") == std::string_view::npos) {
+    std::string r;
+    for (char c : s)
+      r += "&#" + std::to_string(static_cast<int>(c)) + ";";
+    return r;
+  }
   std::string r;
   r.reserve(s.size());
   for (char c : s) {

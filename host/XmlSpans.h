@@ -40,7 +40,8 @@ std::string IndentBefore(std::string_view text, size_t pos);
 // "\r\n" when the text's first line break is CR LF, "\n" otherwise.
 std::string_view LineBreakOf(std::string_view text);
 
-// `s` escaped for element content (&, <, >, CR) or, with `attribute`, for a double-quoted
+// `s` escaped for element content (&, <, >, CR; content of blanks only entirely as
+// character references, which the reader keeps) or, with `attribute`, for a double-quoted
 // attribute value delimited by either quote (also " and ' as entities, LF and tab as
 // character references).
 std::string EscapeXml(std::string_view s, bool attribute);
