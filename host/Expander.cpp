@@ -63,7 +63,7 @@ std::vector<std::string> TExpander::VariableNames() const {
   std::vector<std::string> names;
   for (const TVariables* vars : {&FLoop, &FOverrides, &FProject})
     for (const auto& entry : *vars) {
-      const std::string& n = entry.first;
+      const std::string& n = entry.first;  // clang 14 cannot capture a structured binding
       if (std::none_of(names.begin(), names.end(),
                        [&](const std::string& s) { return qv::SameText(s, n); }))
         names.push_back(n);

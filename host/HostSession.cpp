@@ -17,6 +17,8 @@ THostSession::TSlotsGuard::~TSlotsGuard() {
   qv::QvOptionsServices = nullptr;
   qv::QvDotNetInfo = nullptr;
   qv::QvRegistry = nullptr;
+  qv::QvAutomationServices = nullptr;
+  qv::QvWebDavServices = nullptr;
 }
 
 THostSession::THostSession(const THostSettings& settings, std::ostream& out, TRunner::TClock clock)
@@ -28,7 +30,9 @@ THostSession::THostSession(const THostSettings& settings, std::ostream& out, TRu
   for (const auto& [version, folder] : settings.Frameworks)
     FDotNet.AddFramework(version, folder);
   FDotNet.SetFallbackFolder(settings.FallbackFramework);
+  qv::QvWebDavServices = &FWebDav;
   InstallRegistry(settings);
+  InstallMetabase(settings);
   FStore = std::make_unique<TOptionsStore>(
       settings.OptionsFile.empty() ? TOptionsStore::DefaultFileName() : settings.OptionsFile);
   FVault = std::make_unique<TPasswordVault>(
@@ -51,6 +55,15 @@ void THostSession::InstallRegistry(const THostSettings& settings) {
   else
     FRegistry = qv::NewNativeRegistryReader();
   qv::QvRegistry = FRegistry.get();
+}
+
+// Without an export every IIS moniker binds to nothing.
+void THostSession::InstallMetabase(const THostSettings& settings) {
+  std::string file = settings.MetabaseFile;
+  if (file.empty())
+    if (const char* env = std::getenv("QV_METABASE")) file = env;
+  if (!file.empty()) FMetabase = TMetabase::LoadFromFile(file);
+  qv::QvAutomationServices = FMetabase.get();
 }
 
 std::vector<std::string> THostSession::PackageFiles(const THostSettings& settings) const {

@@ -13,11 +13,13 @@
 #include "Expander.h"
 #include "HostServices.h"
 #include "LogSink.h"
+#include "Metabase.h"
 #include "OptionsStore.h"
 #include "PackageLoader.h"
 #include "PasswordVault.h"
 #include "QvRegistry.h"
 #include "Runner.h"
+#include "WebDavClient.h"
 
 namespace qvhost {
 
@@ -29,6 +31,7 @@ struct THostSettings {
   std::string OptionsFile;   // empty: the per-user default
   std::string RegistryFile;  // empty: $QV_REGISTRY, else the system's registry where there is one
   std::string KeyFile;       // empty: the default password key file
+  std::string MetabaseFile;  // empty: $QV_METABASE, else no IIS metabase
   std::vector<std::pair<std::string, std::string>> Variables;          // --var
   std::vector<std::pair<std::string, std::string>> Frameworks;         // --framework
   std::vector<std::pair<std::string, std::string>> PropertySetValues;  // exec --property-value
@@ -74,6 +77,7 @@ class THostSession {
   };
 
   void InstallRegistry(const THostSettings& settings);
+  void InstallMetabase(const THostSettings& settings);
   std::vector<std::string> PackageFiles(const THostSettings& settings) const;
   TRunner& NewRunner();
   int RunAndSave(TRunner& runner, TProjectFile* project);
@@ -83,6 +87,8 @@ class THostSession {
   bool FDesignTime;
   std::unique_ptr<qv::IQvRegistryReader> FRegistry;
   THostDotNetInfo FDotNet;
+  std::unique_ptr<TMetabase> FMetabase;
+  TCurlWebDav FWebDav;
   std::unique_ptr<TOptionsStore> FStore;
   // Destroyed in reverse: the runner's actions and the options objects go while their
   // packages are loaded, the slots are emptied before the packages are finalised.

@@ -47,6 +47,10 @@ void AddGlobalOptions(CLI::App& app, TCommandLine& cl) {
                  "Registry export (.reg) that stands in for the Windows registry "
                  "(default: $QV_REGISTRY)")
       ->type_name("FILE");
+  app.add_option("--metabase", s.MetabaseFile,
+                 "IIS 6 metabase export (MetaBase.xml) that answers IIS:// lookups "
+                 "(default: $QV_METABASE)")
+      ->type_name("FILE");
   app.add_option("--var", cl.Vars, "Sets a variable, over the project's and the environment's")
       ->type_name("NAME=VALUE")
       ->allow_extra_args(false);

@@ -10,6 +10,7 @@ packages=(
   libgtest-dev libgmock-dev libbenchmark-dev
   mono-xbuild mono-mcs mono-devel
   clang-14 libclang-rt-14-dev
+  apache2
 )
 
 missing=()

@@ -276,3 +276,64 @@ std::string ExpandVariables(std::string_view text, const TVariableLookup& lookup
 }
 
 }  // namespace qv
+
+namespace qv {
+
+namespace {
+int HexDigit(char c) {
+  if (c >= '0' && c <= '9') return c - '0';
+  if (c >= 'a' && c <= 'f') return c - 'a' + 10;
+  if (c >= 'A' && c <= 'F') return c - 'A' + 10;
+  return -1;
+}
+
+std::string PercentDecode(std::string_view s) {
+  std::string r;
+  r.reserve(s.size());
+  for (size_t i = 0; i < s.size(); ++i) {
+    int hi = s[i] == '%' && i + 2 < s.size() ? HexDigit(s[i + 1]) : -1;
+    int lo = hi >= 0 ? HexDigit(s[i + 2]) : -1;
+    if (lo < 0) {
+      r += s[i];
+      continue;
+    }
+    r += static_cast<char>(hi * 16 + lo);
+    i += 2;
+  }
+  return r;
+}
+
+// Splits "HOST[:PORT]" (or "[V6]:PORT"), user information already removed.
+void SplitHostPort(std::string_view authority, TQvURI& uri) {
+  size_t colon = authority.rfind(':');
+  size_t bracket = authority.rfind(']');
+  if (colon != std::string_view::npos && (bracket == std::string_view::npos || colon > bracket)) {
+    uri.Port = authority.substr(colon + 1);
+    authority = authority.substr(0, colon);
+  }
+  uri.Host = authority;
+}
+}  // namespace
+
+TQvURI ParseURI(std::string_view address) {
+  TQvURI uri;
+  std::string_view rest = address;
+  if (size_t scheme = rest.find("://"); scheme != std::string_view::npos) {
+    uri.Protocol = rest.substr(0, scheme);
+    rest.remove_prefix(scheme + 3);
+    size_t end = std::min(rest.find_first_of("/?#"), rest.size());
+    std::string_view authority = rest.substr(0, end);
+    if (size_t at = authority.rfind('@'); at != std::string_view::npos)
+      authority.remove_prefix(at + 1);
+    SplitHostPort(authority, uri);
+    rest.remove_prefix(end);
+  }
+  rest = rest.substr(0, std::min(rest.find_first_of("?#"), rest.size()));
+  size_t slash = rest.rfind('/');
+  size_t docStart = slash == std::string_view::npos ? 0 : slash + 1;
+  uri.Path = PercentDecode(rest.substr(0, docStart));
+  uri.Document = PercentDecode(rest.substr(docStart));
+  return uri;
+}
+
+}  // namespace qv

@@ -64,6 +64,17 @@ std::string GetTempFolder();
 // point, at most 15 characters, upper case.
 std::string GetComputerNetName();
 
+// The parts of a web address "PROTOCOL://[USER@]HOST[:PORT]/PATH/DOCUMENT[?QUERY]".
+struct TQvURI {
+  std::string Protocol, Host;
+  std::string Port;      // empty when the address gives none
+  std::string Path;      // from the first "/" after the host up to and including the last
+  std::string Document;  // the name after the path
+};
+// Splits `address` into its parts; percent escapes in path and document are decoded. An
+// address without "://" is all path and document.
+TQvURI ParseURI(std::string_view address);
+
 // `s` as a JSON string literal, quotes included. Bytes that are not UTF-8 are taken as
 // Latin-1 characters, so any 8-bit text yields valid JSON.
 std::string JsonString(std::string_view s);

@@ -1,0 +1,151 @@
+#include "Qvresolveiisdirectory.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "Metabase.h"
+#include "QvSysUtils.h"
+#include "QvUtils.h"
+#include "WebDavClient.h"
+#include "support/ErrorOf.h"
+#include "support/WebDavServer.h"
+
+namespace qv {
+namespace {
+
+using qvtest::ErrorOf;
+
+constexpr std::string_view kMetabase = R"(<?xml version ="1.0"?>
+<configuration xmlns="urn:microsoft-catalog:XML_Metabase_V54_0"><MBProperty>
+<IIsWebVirtualDir Location ="/LM/W3SVC/1/ROOT" Path="c:\inetpub\wwwroot"></IIsWebVirtualDir>
+<IIsWebVirtualDir Location ="/LM/W3SVC/1/ROOT/App" Path="D:\Web\App"/>
+<IIsWebDirectory Location ="/lm/w3svc/1/root/app/Sub"/>
+<IIsWebDirectory Location ="/LM/W3SVC/2/ROOT"/>
+</MBProperty></configuration>)";
+
+class WebLocation : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    Metabase = qvhost::TMetabase::LoadFromText(kMetabase, "MetaBase.xml");
+    QvAutomationServices = Metabase.get();
+  }
+  void TearDown() override { QvAutomationServices = nullptr; }
+  std::unique_ptr<qvhost::TMetabase> Metabase;
+};
+
+TEST_F(WebLocation, StringRulesTouchOneSlashAtEachEnd) {
+  EXPECT_EQ(RemoveTrailingSlash("/a//"), "/a/");
+  EXPECT_EQ(EnsureTrailingSlash(""), "");
+  EXPECT_EQ(EnsureTrailingSlash("a"), "a/");
+  EXPECT_EQ(EnsureTrailingSlash("a/"), "a/");
+  EXPECT_EQ(TrimSlashes("//a//"), "/a/");
+  EXPECT_EQ(TrimSlashes("/"), "");
+}
+
+TEST_F(WebLocation, ShareNameKeepsInnerSlashes) {
+  EXPECT_EQ(BuildShareName("http://H/Web/App/App.vbproj", "S"), R"(\\H\S\Web/App\App.vbproj)");
+  EXPECT_EQ(BuildShareName("http://H:8080/App.csproj", "S"), R"(\\H\S\\App.csproj)");
+}
+
+TEST_F(WebLocation, MetabaseLookupFindsThePhysicalDirectory) {
+  std::string own = GetComputerNetName();
+  const struct {
+    std::string address;
+    int site;
+    std::string expected;
+  } cases[] = {
+      {"http://localhost/App.csproj", 1, R"(c:\inetpub\wwwroot\App.csproj)"},
+      {"http://LocalHost/App/App.csproj", 1, R"(D:\Web\App\App.csproj)"},
+      {"http://localhost/App/Sub/Web.csproj", 1, R"(D:\Web\App\Sub\Web.csproj)"},
+      {"http://" + own + "/App/My%20Web.csproj", 1, R"(D:\Web\App\My Web.csproj)"},
+      {"http://buildsrv/App/Sub/Web.csproj", 1, R"(\\buildsrv\D$\Web\App\Sub\Web.csproj)"},
+      {"http://localhost/Gone/Web.csproj", 1,
+       "Unable to resolve to physical path - no object found"},
+      {"http://localhost/App/App.csproj", 3,
+       "Unable to resolve to physical path - no object found"},
+      {"http://localhost/Web.csproj", 2,
+       "Unable to resolve to physical path - found IIsWebDirectory\rOriginal IIS uri: "},
+  };
+  for (const auto& c : cases) {
+    std::string result;
+    std::string error = ErrorOf([&] { result = GetPhysicalDirFromIISDir(c.address, c.site); });
+    EXPECT_EQ(result.empty() ? error : result, c.expected) << c.address << " site " << c.site;
+  }
+  QvAutomationServices = nullptr;
+  EXPECT_EQ(ErrorOf([] { GetPhysicalDirFromIISDir("http://localhost/App.csproj", 1); }),
+            "Unable to resolve to physical path - no object found");
+}
+
+// A web project served over WebDAV from a folder with blanks, on the server's own port.
+class WebDavLocation : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    if (!qvtest::WebDavServer::Available()) GTEST_SKIP() << "apache2 with mod_dav is missing";
+    Server = std::make_unique<qvtest::WebDavServer>();
+    Server->Write("/My Web/App/App.csproj", "<Project/>\r\n");
+    Server->Write("/My Web/App/Properties/AssemblyInfo.cs", kInfo);
+    QvWebDavServices = &Transport;
+    Client.UserName = Server->User();
+    Client.Password = Server->Password();
+    Address = "http://127.0.0.1:" + std::to_string(Server->Port()) + "/My%20Web/App/App.csproj";
+  }
+  void TearDown() override { QvWebDavServices = nullptr; }
+  std::string Connect() {
+    return ErrorOf([&] { GetProjectFileUsingWebDAV(&Client, Address, RemoteDir, LocalFile); });
+  }
+  std::string Tail(const std::string& user) {
+    return "\rServername: 127.0.0.1\rServerport: " + std::to_string(Server->Port()) +
+           "\rUserID: " + user;
+  }
+
+  static constexpr std::string_view kInfo = "[assembly: AssemblyVersion(\"1.0.*\")]\r\n";
+  std::unique_ptr<qvtest::WebDavServer> Server;
+  qvhost::TCurlWebDav Transport;
+  TQvWebDavClient Client;
+  std::string Address, RemoteDir, LocalFile;
+};
+
+TEST_F(WebDavLocation, AssemblyInfoIsFetchedRewrittenAndPutBack) {
+  ASSERT_EQ(Connect(), "(no exception)");
+  EXPECT_EQ(RemoteDir, "My Web/App");
+  EXPECT_EQ(qvtest::TempDir::Read(LocalFile), "<Project/>\r\n");
+  std::string info = GetFileUsingWebDAV(Client, RemoteDir + "/Properties", "AssemblyInfo.cs");
+  TStringList lines;
+  lines.LoadFromFile(info);
+  lines.Put(0, StringReplaceAll(lines[0], "1.0.*", "2.1.40.0"));
+  lines.SaveToFile(info);
+  PutFileUsingWebDAV(Client, info, RemoteDir + "/Properties");
+  EXPECT_EQ(qvtest::TempDir::Read(Server->Root() + "/My Web/App/Properties/AssemblyInfo.cs"),
+            "[assembly: AssemblyVersion(\"2.1.40.0\")]\r\n");
+}
+
+TEST_F(WebDavLocation, FailuresSayWhyAndNeverShowThePassword) {
+  ASSERT_EQ(Connect(), "(no exception)");
+  std::string name = "Missing" + std::to_string(Server->Port()) + ".cs";
+  std::string local = IncludeTrailingPathDelimiter(GetTempFolder()) + name;
+  std::ofstream(local) << "an earlier download";
+  std::string missing = ErrorOf([&] { GetFileUsingWebDAV(Client, "My Web", name); });
+  EXPECT_EQ(missing,
+            "Error retrieving file with WebDAV: HTTP/1.1 404 Not Found\rDownload "
+            "filename: " +
+                local + Tail("builder") + "\rRequested file: /My Web/" + name);
+  EXPECT_FALSE(std::filesystem::exists(local));
+  EXPECT_EQ(ErrorOf([&] { PutFileUsingWebDAV(Client, LocalFile, "No/Such"); }),
+            "Error uploading file with WebDAV: HTTP/1.1 409 Conflict\rLocal filename: " +
+                LocalFile + Tail("builder") + "\rRemote Path: /No/Such/");
+  Client.Password = "wrong-pa55";
+  std::string refused = Connect();
+  EXPECT_EQ(refused, "Unable to connect using WebDAV : HTTP/1.1 401 Unauthorized");
+  Server->Stop();
+  std::string down = Connect();
+  EXPECT_EQ(down, "Unable to connect using WebDAV : Couldn't connect to server (http://127.0.0.1:" +
+                      std::to_string(Server->Port()) + "/)");
+  for (const std::string& message : {missing, refused, down})
+    for (const std::string& password : {Server->Password(), Client.Password})
+      EXPECT_EQ(message.find(password), std::string::npos) << message;
+}
+
+}  // namespace
+}  // namespace qv
