@@ -7,6 +7,7 @@
 #include "QvExceptions.h"
 #include "QvPlatform.h"
 #include "QvSysUtils.h"
+#include "QvPaths.h"
 #include "QvUtils.h"
 #include "VsnetslnOrder.h"
 
@@ -206,7 +207,7 @@ int LineOfOffset(std::string_view text, ptrdiff_t offset) {
 }
 
 void TVSDotNetProject::ReadProjectFile(const std::string& solutionDir) {
-  std::string path = ExpandRelativePath(FFileName, solutionDir);
+  std::string path = ResolvePathCase(ExpandRelativePath(FFileName, solutionDir));
   if (!platform::FileExists(path)) return;
   if (LowerCase(ExtractFileExt(path)) != ".vcproj") return;
 
@@ -227,7 +228,7 @@ void TVSDotNetProject::ReadProjectFile(const std::string& solutionDir) {
     for (pugi::xml_node file : filter.node().children("File")) {
       std::string rel = file.attribute("RelativePath").value();
       if (SameText(ExtractFileExt(rel), ".rc"))
-        FResourceFiles.Add(ExpandRelativePath(rel, projectDir));
+        FResourceFiles.Add(ResolvePathCase(ExpandRelativePath(rel, projectDir)));
     }
   }
   FindVersionInfoFile();
@@ -359,7 +360,7 @@ void TSolutionReader::ReadProjectLine(const std::string& line) {
   const std::string& path = items[1];
 
   bool web = ContainsStr(path, "http://") || ContainsStr(path, "https://");
-  if (!web && !FIncludeMissing && !platform::FileExists(ExpandRelativePath(path, FSolutionDir)))
+  if (!web && !FIncludeMissing && !FileExistsAnyCase(ExpandRelativePath(path, FSolutionDir)))
     return;  // skipped: the current project stays what it was
   auto* project = new TVSDotNetProject(items[0], path, typeGuid, items[2], FFileName);
   IntfPtr<IVSDotNetProject> ref(project);
