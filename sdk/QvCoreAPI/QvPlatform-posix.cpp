@@ -123,6 +123,11 @@ void AtomicWriteFile(const std::string& path, std::string_view data) {
     dir = slash == 0 ? "/" : path.substr(0, slash);
     name = path.substr(slash + 1);
   }
+  // A read-only file stays as it is, as on Windows, even for a user whom POSIX would let
+  // replace it by a rename.
+  struct stat existing;
+  if (stat(path.c_str(), &existing) == 0 && (existing.st_mode & 0222) == 0)
+    WriteFailed(path, EACCES);
   std::string tmp = (dir == "/" ? "" : dir) + "/." + name + ".qvtmp.XXXXXX";
   std::vector<char> tmpl(tmp.begin(), tmp.end());
   tmpl.push_back('\0');

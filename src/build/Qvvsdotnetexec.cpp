@@ -6,6 +6,7 @@
 #include "QvExceptions.h"
 #include "QvPlatform.h"
 #include "QvSysUtils.h"
+#include "QvPaths.h"
 #include "QvUtils.h"
 #include "Qvvsdotnetaction.h"
 
@@ -215,7 +216,7 @@ bool TQvCustomVSDotNetAction::NeedsAnyCPUWithoutSpace(IVSDotNetSolution& solutio
   std::string path = project.GetFileName();
   if (!platform::FileExists(ExpandRelativePath(path, ".")))
     path = IncludeTrailingPathDelimiter(ExtractFilePath(solution.GetFileName())) + path;
-  path = ExpandRelativePath(path, ".");
+  path = ResolvePathCase(ExpandRelativePath(path, "."));
   std::string text, error;
   if (!platform::FileExists(path) || !platform::ReadWholeFile(path, text, error)) return false;
   return !ContainsStr(text, config + "|Any CPU") && ContainsStr(text, config + "|AnyCPU");

@@ -5,6 +5,7 @@
 #include "QvExceptions.h"
 #include "QvPlatform.h"
 #include "QvSysUtils.h"
+#include "QvPaths.h"
 #include "QvUtils.h"
 #include "VsnetslnOrder.h"
 #include "VsnetslnVcproj.h"
@@ -198,7 +199,7 @@ class TVSDotNetSolution : public TVSDotNetObject, public IVSDotNetSolution {
 // ---- project files ------------------------------------------------------------------------
 
 void TVSDotNetProject::ReadProjectFile(const std::string& solutionDir) {
-  std::string path = ExpandRelativePath(FFileName, solutionDir);
+  std::string path = ResolvePathCase(ExpandRelativePath(FFileName, solutionDir));
   if (!platform::FileExists(path)) return;
   if (LowerCase(ExtractFileExt(path)) != ".vcproj") return;
 
@@ -207,7 +208,7 @@ void TVSDotNetProject::ReadProjectFile(const std::string& solutionDir) {
     throw Exception("Error parsing project file : " + error + " (" + path + ")");
   std::string projectDir = ExtractFilePath(path);
   for (const std::string& rel : ReadVcprojResourceScripts(text, path))
-    FResourceFiles.Add(ExpandRelativePath(rel, projectDir));
+    FResourceFiles.Add(ResolvePathCase(ExpandRelativePath(rel, projectDir)));
   FindVersionInfoFile();
 }
 
@@ -337,7 +338,7 @@ void TSolutionReader::ReadProjectLine(const std::string& line) {
   const std::string& path = items[1];
 
   bool web = ContainsStr(path, "http://") || ContainsStr(path, "https://");
-  if (!web && !FIncludeMissing && !platform::FileExists(ExpandRelativePath(path, FSolutionDir)))
+  if (!web && !FIncludeMissing && !FileExistsAnyCase(ExpandRelativePath(path, FSolutionDir)))
     return;  // skipped: the current project stays what it was
   auto* project = new TVSDotNetProject(items[0], path, typeGuid, items[2], FFileName);
   IntfPtr<IVSDotNetProject> ref(project);
