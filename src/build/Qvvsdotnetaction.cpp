@@ -161,7 +161,7 @@ TQvCustomVSDotNetAction::TQvCustomVSDotNetAction()
 TQvCustomVSDotNetAction::~TQvCustomVSDotNetAction() = default;
 
 void* TQvCustomVSDotNetAction::GetInterface(const TGUID& iid) {
-  if (void* p = QueryInterfaceList<IQvVC7VersionInfo>(this, iid)) return p;
+  if (void* p = QueryInterfaceList<IQvVC7VersionInfo, IQvAssemblyInfoSettings>(this, iid)) return p;
   return TQvMultiExecAction::GetInterface(iid);
 }
 

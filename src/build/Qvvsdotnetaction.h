@@ -10,6 +10,7 @@
 #include "QvActions.h"
 #include "QvDotNetFramework.h"
 #include "QvMSBuildOutput.h"
+#include "Qvassemblyinfo.h"
 #include "Qvvc7versioninfo.h"
 #include "Vsnetsln.h"
 
@@ -29,7 +30,9 @@ extern const TEnumTypeInfo TVSDotNetTargetFxInfo;
 extern const TEnumTypeInfo TProjLocDetectMethodInfo;
 
 // The action's state and behaviour; TQvVSDotNetAction publishes the rest of its settings.
-class TQvCustomVSDotNetAction : public TQvMultiExecAction, public IQvVC7VersionInfo {
+class TQvCustomVSDotNetAction : public TQvMultiExecAction,
+                                public IQvVC7VersionInfo,
+                                public IQvAssemblyInfoSettings {
  public:
   TQvCustomVSDotNetAction();
   ~TQvCustomVSDotNetAction() override;
@@ -155,6 +158,20 @@ class TQvCustomVSDotNetAction : public TQvMultiExecAction, public IQvVC7VersionI
   std::string DoAutoIncBuild(const std::string& text);
   // Counts up the assembly version parts whose switches are on, in the fixed order.
   void CountUpAssemblyNumbers();
+  // The whole .NET step: its message group, counting up or the property set, and the
+  // AssemblyInfo files of the chosen (or every) project. False (logged) on failure.
+  bool DoUpdateAssemblyInfo(IVSDotNetSolution& solution);
+
+  // IQvAssemblyInfoSettings: the .NET stamping settings, for the AssemblyInfo updater.
+  bool GetUpdateAssemblyAttribute(TQvAssemblyAttribute attribute) override;
+  std::string GetAssemblyAttributeValue(TQvAssemblyAttribute attribute) override;
+  bool GetLinkAssemblyFileVersionInfo() override { return FLinkAssemblyFileVersionInfo; }
+  int GetProjLocationDetectMethodValue() override {
+    return static_cast<int>(FProjLocationDetectMethod);
+  }
+  int32_t GetWMIWebsiteNum() override { return FWMIWebsiteNum; }
+  std::string GetSharePath() override { return FSharePath; }
+  std::string GetWebDAVUsername() override { return FWebDAVUsername; }
   // Copy the named host property set into the settings; false (logged) when there is none.
   bool LoadDotNetVersionInfoFromPropertySet();
   bool LoadWin32VersionInfoFromPropertySet();
@@ -171,7 +188,7 @@ class TQvCustomVSDotNetAction : public TQvMultiExecAction, public IQvVC7VersionI
   void RemoveVersionInfoKey(const std::string& key);
 
   // The WebDAV password goes through the host's encryption into _WebDAVPassword.
-  std::string GetWebDAVPassword();
+  std::string GetWebDAVPassword() override;
   void SetWebDAVPassword(const std::string& plain);
 
   const std::string& GetSolution() const { return FSolution; }

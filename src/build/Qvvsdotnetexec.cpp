@@ -4,9 +4,9 @@
 #include <thread>
 
 #include "QvExceptions.h"
+#include "QvPaths.h"
 #include "QvPlatform.h"
 #include "QvSysUtils.h"
-#include "QvPaths.h"
 #include "QvUtils.h"
 #include "Qvvsdotnetaction.h"
 
@@ -35,8 +35,7 @@ bool TQvCustomVSDotNetAction::Execute() {
     return false;
   if (!VerifyExecutable()) return false;
   IntfPtr<IVSDotNetSolution> solution = LoadSolution();
-  if (FUpdateAssemblyInfo)
-    throw EFailAction("Version stamping of AssemblyInfo files is not available in this build.");
+  if (FUpdateAssemblyInfo && !DoUpdateAssemblyInfo(*solution)) return false;
   if (FUpdateWin32Resource && !StampWin32Resources(*solution)) return false;
   FStructuredOutputHelper->Start(solution->GetFileName(), FStructuredOutput);
   bool result = PerformBuild(configuration, *solution);

@@ -1,10 +1,12 @@
 // Version stamping before a build: counted-up numbers, property sets, and the Win32
 // version resources of the chosen Visual C++ projects.
 #include <algorithm>
+#include <memory>
 
 #include "QvExceptions.h"
 #include "QvSysUtils.h"
 #include "QvUtils.h"
+#include "Qvresolveiisdirectory.h"
 #include "Qvvc7versioninfo.h"
 #include "Qvvsdotnetaction.h"
 
@@ -58,6 +60,100 @@ void TQvCustomVSDotNetAction::CountUpAssemblyNumbers() {
     FAssemblyFileVersionParts[2] = CountedUp(FAssemblyFileVersionParts[2]);
     ResetAssemblyFileVersion();
   }
+}
+
+namespace {
+
+// The web-project routines over one WebDAV client, opened on the first WebDAV project and
+// kept for the run so that files can be put back.
+TQvWebProjectRoutines WebRoutines(std::shared_ptr<TQvWebDavClient> client) {
+  TQvWebProjectRoutines web;
+  web.GetPhysicalDirFromIISDir = &GetPhysicalDirFromIISDir;
+  web.BuildShareName = &BuildShareName;
+  web.GetProjectFileUsingWebDAV = [client](const std::string& user, const std::string& password,
+                                           const std::string& address, std::string& remoteDir,
+                                           std::string& localFile) {
+    client->UserName = user;
+    client->Password = password;
+    GetProjectFileUsingWebDAV(client.get(), address, remoteDir, localFile);
+  };
+  // Folders of a project's file references are written with "\"; URLs take "/".
+  web.GetFileUsingWebDAV = [client](const std::string& remoteDir, const std::string& fileName) {
+    return GetFileUsingWebDAV(*client, StringReplaceAll(remoteDir, "\\", "/"), fileName);
+  };
+  web.PutFileUsingWebDAV = [client](const std::string& localFile, const std::string& remoteDir) {
+    PutFileUsingWebDAV(*client, localFile, StringReplaceAll(remoteDir, "\\", "/"));
+  };
+  web.CloseWebDAV = [client] { client->Disconnect(); };
+  return web;
+}
+
+}  // namespace
+
+bool TQvCustomVSDotNetAction::GetUpdateAssemblyAttribute(TQvAssemblyAttribute attribute) {
+  const bool* switches[] = {
+      &FUpdateAssemblyTitle,       &FUpdateAssemblyComment,     &FUpdateAssemblyCompany,
+      &FUpdateAssemblyDescription, &FUpdateAssemblyCopyright,   &FUpdateAssemblyTradeMark,
+      &FUpdateAssemblyProductName, &FUpdateAssemblyFileVersion, &FUpdateAssemblyVersion};
+  return *switches[static_cast<size_t>(attribute)];
+}
+
+std::string TQvCustomVSDotNetAction::GetAssemblyAttributeValue(TQvAssemblyAttribute attribute) {
+  switch (attribute) {
+    case TQvAssemblyAttribute::aaTitle:
+      return FAssemblyTitle;
+    case TQvAssemblyAttribute::aaComment:
+      return {};
+    case TQvAssemblyAttribute::aaCompany:
+      return FAssemblyCompany;
+    case TQvAssemblyAttribute::aaDescription:
+      return FAssemblyDescription;
+    case TQvAssemblyAttribute::aaCopyright:
+      return FAssemblyCopyright;
+    case TQvAssemblyAttribute::aaTrademark:
+      return FAssemblyTradeMark;
+    case TQvAssemblyAttribute::aaProduct:
+      return FAssemblyProductName;
+    case TQvAssemblyAttribute::aaFileVersion:
+      return FAssemblyFileVersion;
+    case TQvAssemblyAttribute::aaVersion:
+      return FAssemblyVersion;
+  }
+  return {};
+}
+
+bool TQvCustomVSDotNetAction::DoUpdateAssemblyInfo(IVSDotNetSolution& solution) {
+  StartMessageGroup("Updating AssemblyInfo", 0, TStatusTag::Plain);
+  bool ok = true;
+  if (!FUseDotNetPropertySet) {
+    CountUpAssemblyNumbers();
+  } else if (FDotNetVersionInfoPropertySetName.empty()) {
+    SendMessage("DotNet PropertySet name is blank", TStatusTag::Error);
+    ok = false;
+  } else {
+    ok = LoadDotNetVersionInfoFromPropertySet();
+  }
+  if (ok) {
+    try {
+      IntfPtr<IQvAssemblyInfoUpdater> updater =
+          GetAssemblyInfoUpdater(IntfPtr<IVSDotNetSolution>(&solution), *this,
+                                 WebRoutines(std::make_shared<TQvWebDavClient>()));
+      if (FApplyAssemblyInfoTo == TVSDotNetBuildType::btSelectedProjects) {
+        PruneStaleProjects(solution, FAssemblySelectedProjects);
+        bool onlyBuilt = FBuildType != TVSDotNetBuildType::btAllProjects;
+        if (onlyBuilt) PruneStaleProjects(solution, FSelectedProjects);
+        updater->UpdateAssemblyInfo(FAssemblySelectedProjects,
+                                    onlyBuilt ? &FSelectedProjects : nullptr);
+      } else {
+        updater->UpdateAllAssemblyInfo();
+      }
+    } catch (const std::exception& e) {
+      SendMessage(std::string("Error Updating Assembly Info : ") + e.what(), TStatusTag::Error);
+      ok = false;
+    }
+  }
+  EndMessageGroup(ok ? TStatusTag::Success : TStatusTag::Error);
+  return ok;
 }
 
 bool TQvCustomVSDotNetAction::LoadDotNetVersionInfoFromPropertySet() {

@@ -391,8 +391,11 @@ TEST_F(Execute, FailuresBeforeTheBuild) {
   Set("Solution", "%Missing%");
   EXPECT_EQ(FailureOf([&] { action->Execute(); }), "Failed to expand solution file name.");
   Set("Solution", sln);
+  // A failed stamping step ends the run before any build.
   Set("UpdateAssemblyInfo", "True");
-  EXPECT_NE(FailureOf([&] { action->Execute(); }).find("not available"), std::string::npos);
+  Set("UseDotNetPropertySet", "True");
+  EXPECT_FALSE(action->Execute());
+  EXPECT_EQ(Errors().back(), "DotNet PropertySet name is blank");
   Set("UpdateAssemblyInfo", "False");
 
   dotnet.Folders.clear();

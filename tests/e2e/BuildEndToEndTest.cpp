@@ -382,3 +382,48 @@ TEST_F(XBuild, TheDemoBuildProcessRuns) {
 }
 
 }  // namespace
+
+namespace {
+
+// Two runs of one project: the counted-up numbers reach the sources and the project file,
+// whose comments and layout stay.
+TEST(Stamping, BuildNumbersCountUpFromRunToRun) {
+  Session s;
+  const std::string sln = s.samples + "/vs2008/Mixed.sln";
+  const std::string head =
+      "<?xml version=\"1.0\"?>\n<!-- nightly build -->\n<QvProject>\n  <Actions>\n"
+      "    <Action type=\"TQvVSDotNetAction\">  <!-- stamps, then builds -->\n"
+      "      <Property name=\"Solution\">" +
+      sln +
+      "</Property>\n"
+      "      <Property name=\"SolutionConfiguration\">Release|Any CPU</Property>\n"
+      "      <Property name=\"VStudioVersion\">vs2008</Property>\n"
+      "      <Property name=\"UpdateAssemblyInfo\">True</Property>\n"
+      "      <Property name=\"UpdateAssemblyVersion\">True</Property>\n"
+      "      <Property name=\"AssemblyVersion\">1|2|41|0</Property>\n"
+      "      <Property name=\"AutoIncAssemblyBuildNumber\">True</Property>\n"
+      "      <Property name=\"UpdateWin32Resource\">True</Property>\n"
+      "      <Property name=\"BuildVersion\" value=\"41\"/>\n"
+      "      <Property name=\"AutoIncBuild\">True</Property>\n";
+  const std::string tail = "    </Action>\n  </Actions>\n</QvProject>\n";
+  std::string project = s.dir.Write("nightly.qvproj", head + tail);
+  for (int build : {42, 43}) {
+    auto r = RunCommand(s.Qvhost(kBin + "/mono") + " run " + ShellQuote(project));
+    ASSERT_EQ(r.exitCode, 0) << r.out << r.err;
+    std::string n = std::to_string(build);
+    std::string counted = head;
+    counted.replace(counted.find("\"41\""), 4, "\"" + n + "\"");
+    EXPECT_EQ(TempDir::Read(project), counted + "      <Property name=\"AssemblyVersionBuild\">" +
+                                          n + "</Property>\n" + tail);
+    for (const char* lib : {"Greeting.Lib", "Greeting.Console"})
+      EXPECT_NE(TempDir::Read(s.samples + "/vs2008/" + lib + "/Properties/AssemblyInfo.cs")
+                    .find("[assembly: AssemblyVersion(\"1.2." + n + ".0\")]"),
+                std::string::npos)
+          << lib;
+    EXPECT_NE(TempDir::Read(s.samples + "/vs2008/GreetingNative/App.rc")
+                  .find("FILEVERSION 1,0,0," + n + "\r\n"),
+              std::string::npos);
+  }
+}
+
+}  // namespace
