@@ -65,6 +65,7 @@ class WebDavLocation : public ::testing::Test {
   void SetUp() override {
     if (!qvtest::WebDavServer::Available()) GTEST_SKIP() << "apache2 with mod_dav is missing";
     Server = std::make_unique<qvtest::WebDavServer>();
+    setenv("TMPDIR", Downloads.Path().c_str(), 1);  // parallel tests download the same names
     Server->Write("/My Web/App/App.csproj", "<Project/>\r\n");
     Server->Write("/My Web/App/Properties/AssemblyInfo.cs",
                   "[assembly: AssemblyVersion(\"1.0.*\")]\r\n");
@@ -72,13 +73,17 @@ class WebDavLocation : public ::testing::Test {
     Client.UserName = Server->User();
     Client.Password = Server->Password();
   }
-  void TearDown() override { QvWebDavServices = nullptr; }
+  void TearDown() override {
+    QvWebDavServices = nullptr;
+    unsetenv("TMPDIR");
+  }
   std::string Connect() {
     std::string address = "http://127.0.0.1:" + Port() + "/My%20Web/App/App.csproj";
     return ErrorOf([&] { GetProjectFileUsingWebDAV(&Client, address, RemoteDir, LocalFile); });
   }
   std::string Port() { return std::to_string(Server->Port()); }
 
+  qvtest::TempDir Downloads;
   std::unique_ptr<qvtest::WebDavServer> Server;
   qvhost::TCurlWebDav Transport;
   TQvWebDavClient Client;
@@ -100,7 +105,7 @@ TEST_F(WebDavLocation, AssemblyInfoIsFetchedRewrittenAndPutBack) {
 
 TEST_F(WebDavLocation, FailuresSayWhyAndNeverShowThePassword) {
   ASSERT_EQ(Connect(), "(no exception)");
-  std::string name = "Missing" + Port() + ".cs",
+  std::string name = "Missing.cs",
               tail = "\rServername: 127.0.0.1\rServerport: " + Port() + "\rUserID: builder\r";
   std::string local = IncludeTrailingPathDelimiter(GetTempFolder()) + name;
   std::ofstream(local) << "an earlier download";
