@@ -17,7 +17,7 @@
 
 namespace qvhost {
 
-class TMetabase : public qv::IQvAutomationServices {
+class TMetabase final : public qv::IQvAutomationServices {
  public:
   // Reads an export. Throws qv::Exception "FILE:LINE: reason" for a malformed file and
   // "Cannot read metabase file ..." for a missing one.

@@ -6,7 +6,7 @@
 
 namespace qvhost {
 
-class TCurlWebDav : public qv::IQvWebDavServices {
+class TCurlWebDav final : public qv::IQvWebDavServices {
  public:
   TCurlWebDav();
   // A session to http://SERVER:PORT with the target's credentials.

@@ -9,46 +9,33 @@ namespace {
 
 using qvtest::WebDavServer;
 
-class WebDavClient : public ::testing::Test {
- protected:
-  void TearDown() override { qv::QvWebDavServices = nullptr; }
-  qvtest::TempDir Dir;
-  qvhost::TCurlWebDav Transport;
-  qv::TQvWebDavClient Client;
-};
-
-// A body larger than one read, so that Digest's second PUT has to rewind the file.
-TEST_F(WebDavClient, TransfersWithBasicAndDigest) {
+// A body larger than one read, so that Digest's second PUT has to rewind the file; names and
+// credentials with blanks.
+TEST(WebDavClient, TransfersWithBasicAndDigest) {
   if (!WebDavServer::Available()) GTEST_SKIP() << "apache2 with mod_dav is missing";
-  std::string body(300000, 'x');
-  body += "end";
+  qvtest::TempDir dir;
+  qvhost::TCurlWebDav transport;
+  qv::TQvWebDavClient client;
+  std::string body = std::string(300000, 'x') + "end", local = dir.Write("up load.bin", body);
+  EXPECT_FALSE(client.Connect());
+  EXPECT_EQ(client.LastError(), "This host offers no WebDAV client");
+  qv::QvWebDavServices = &transport;
   for (auto auth : {WebDavServer::Auth::Basic, WebDavServer::Auth::Digest}) {
     WebDavServer server("ci user", "p@ss word", auth);
     server.Write("/a b/keep.txt", "");
-    qv::QvWebDavServices = &Transport;
-    Client.ServerName = "127.0.0.1";
-    Client.Port = server.Port();
-    Client.UserName = server.User();
-    Client.Password = server.Password();
-    ASSERT_TRUE(Client.Connect()) << Client.LastError();
-    std::string local = Dir.Write("up load.bin", body);
-    ASSERT_TRUE(Client.UploadFile(local, "/a b/")) << Client.LastError();
-    EXPECT_EQ(qvtest::TempDir::Read(server.Root() + "/a b/up load.bin"), body);
-    ASSERT_TRUE(Client.DownloadFile(Dir.File("back"), "/a b/up load.bin")) << Client.LastError();
-    EXPECT_EQ(qvtest::TempDir::Read(Dir.File("back")), body);
-    EXPECT_FALSE(Client.DownloadFile(Dir.File("back"), "/a b/none"));
-    EXPECT_EQ(Client.LastError() + " " + qvtest::TempDir::Read(Dir.File("back")).substr(0, 3),
-              "HTTP/1.1 404 Not Found xxx");
+    client.ServerName = "127.0.0.1";
+    client.Port = server.Port();
+    client.UserName = server.User();
+    client.Password = server.Password();
+    ASSERT_TRUE(client.Connect()) << client.LastError();
+    ASSERT_TRUE(client.UploadFile(local, "/a b/")) << client.LastError();
+    ASSERT_TRUE(client.DownloadFile(dir.File("back"), "/a b/up load.bin")) << client.LastError();
+    EXPECT_EQ(qvtest::TempDir::Read(dir.File("back")), body);
+    EXPECT_FALSE(client.DownloadFile(dir.File("back"), "/a b/none"));
+    EXPECT_EQ(client.LastError() + qvtest::TempDir::Read(dir.File("back")).substr(299998),
+              "HTTP/1.1 404 Not Foundxxend");
   }
-}
-
-TEST_F(WebDavClient, NeedsAHostAndAConnection) {
-  Client.ServerName = "srv";
-  EXPECT_FALSE(Client.Connect());
-  EXPECT_EQ(Client.LastError(), "This host offers no WebDAV client");
-  EXPECT_FALSE(Client.UploadFile(Dir.File("x"), "/"));
-  EXPECT_EQ(Client.LastError(), "Not connected to srv");
-  EXPECT_EQ(qvhost::EncodeUrlPath("/a b/%é~"), "/a%20b/%25%C3%A9~");
+  qv::QvWebDavServices = nullptr;
 }
 
 }  // namespace

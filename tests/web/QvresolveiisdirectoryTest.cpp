@@ -16,41 +16,24 @@ namespace qv {
 namespace {
 
 using qvtest::ErrorOf;
+const std::string kNoObject = "Unable to resolve to physical path - no object found";
 
-constexpr std::string_view kMetabase = R"(<?xml version ="1.0"?>
-<configuration xmlns="urn:microsoft-catalog:XML_Metabase_V54_0"><MBProperty>
-<IIsWebVirtualDir Location ="/LM/W3SVC/1/ROOT" Path="c:\inetpub\wwwroot"></IIsWebVirtualDir>
-<IIsWebVirtualDir Location ="/LM/W3SVC/1/ROOT/App" Path="D:\Web\App"/>
-<IIsWebDirectory Location ="/lm/w3svc/1/root/app/Sub"/>
-<IIsWebDirectory Location ="/LM/W3SVC/2/ROOT"/>
-</MBProperty></configuration>)";
-
-class WebLocation : public ::testing::Test {
- protected:
-  void SetUp() override {
-    Metabase = qvhost::TMetabase::LoadFromText(kMetabase, "MetaBase.xml");
-    QvAutomationServices = Metabase.get();
-  }
-  void TearDown() override { QvAutomationServices = nullptr; }
-  std::unique_ptr<qvhost::TMetabase> Metabase;
-};
-
-TEST_F(WebLocation, StringRulesTouchOneSlashAtEachEnd) {
-  EXPECT_EQ(RemoveTrailingSlash("/a//"), "/a/");
-  EXPECT_EQ(EnsureTrailingSlash(""), "");
-  EXPECT_EQ(EnsureTrailingSlash("a"), "a/");
-  EXPECT_EQ(EnsureTrailingSlash("a/"), "a/");
-  EXPECT_EQ(TrimSlashes("//a//"), "/a/");
-  EXPECT_EQ(TrimSlashes("/"), "");
-}
-
-TEST_F(WebLocation, ShareNameKeepsInnerSlashes) {
+TEST(WebLocation, StringRulesAndShareNames) {
+  EXPECT_EQ(RemoveTrailingSlash("/a//") + EnsureTrailingSlash("") + "|" + EnsureTrailingSlash("a"),
+            "/a/|a/");
+  EXPECT_EQ(TrimSlashes("//a//") + "|" + TrimSlashes("/") + EnsureTrailingSlash("a/"), "/a/|a/");
   EXPECT_EQ(BuildShareName("http://H/Web/App/App.vbproj", "S"), R"(\\H\S\Web/App\App.vbproj)");
   EXPECT_EQ(BuildShareName("http://H:8080/App.csproj", "S"), R"(\\H\S\\App.csproj)");
 }
 
-TEST_F(WebLocation, MetabaseLookupFindsThePhysicalDirectory) {
-  std::string own = GetComputerNetName();
+TEST(WebLocation, MetabaseLookupFindsThePhysicalDirectory) {
+  auto metabase = qvhost::TMetabase::LoadFromText(R"(<?xml version ="1.0"?>
+<configuration xmlns="urn:microsoft-catalog:XML_Metabase_V54_0"><MBProperty>
+<IIsWebVirtualDir Location ="/LM/W3SVC/1/ROOT" Path="c:\inetpub\wwwroot"></IIsWebVirtualDir>
+<IIsWebVirtualDir Location ="/LM/W3SVC/1/ROOT/App" Path="D:\Web\App"/>
+<IIsWebDirectory Location ="/lm/w3svc/1/root/app/Sub"/><IIsWebDirectory Location ="/LM/W3SVC/2/ROOT"/>
+</MBProperty></configuration>)",
+                                                  "MetaBase.xml");
   const struct {
     std::string address;
     int site;
@@ -59,23 +42,21 @@ TEST_F(WebLocation, MetabaseLookupFindsThePhysicalDirectory) {
       {"http://localhost/App.csproj", 1, R"(c:\inetpub\wwwroot\App.csproj)"},
       {"http://LocalHost/App/App.csproj", 1, R"(D:\Web\App\App.csproj)"},
       {"http://localhost/App/Sub/Web.csproj", 1, R"(D:\Web\App\Sub\Web.csproj)"},
-      {"http://" + own + "/App/My%20Web.csproj", 1, R"(D:\Web\App\My Web.csproj)"},
+      {"http://" + GetComputerNetName() + "/App/My%20Web.csproj", 1, R"(D:\Web\App\My Web.csproj)"},
       {"http://buildsrv/App/Sub/Web.csproj", 1, R"(\\buildsrv\D$\Web\App\Sub\Web.csproj)"},
-      {"http://localhost/Gone/Web.csproj", 1,
-       "Unable to resolve to physical path - no object found"},
-      {"http://localhost/App/App.csproj", 3,
-       "Unable to resolve to physical path - no object found"},
+      {"http://localhost/Gone/Web.csproj", 1, kNoObject},
+      {"http://localhost/App/App.csproj", 3, kNoObject},
       {"http://localhost/Web.csproj", 2,
        "Unable to resolve to physical path - found IIsWebDirectory\rOriginal IIS uri: "},
   };
+  QvAutomationServices = metabase.get();
   for (const auto& c : cases) {
     std::string result;
     std::string error = ErrorOf([&] { result = GetPhysicalDirFromIISDir(c.address, c.site); });
     EXPECT_EQ(result.empty() ? error : result, c.expected) << c.address << " site " << c.site;
   }
   QvAutomationServices = nullptr;
-  EXPECT_EQ(ErrorOf([] { GetPhysicalDirFromIISDir("http://localhost/App.csproj", 1); }),
-            "Unable to resolve to physical path - no object found");
+  EXPECT_EQ(ErrorOf([] { GetPhysicalDirFromIISDir("http://localhost/App.csproj", 1); }), kNoObject);
 }
 
 // A web project served over WebDAV from a folder with blanks, on the server's own port.
@@ -84,33 +65,34 @@ class WebDavLocation : public ::testing::Test {
   void SetUp() override {
     if (!qvtest::WebDavServer::Available()) GTEST_SKIP() << "apache2 with mod_dav is missing";
     Server = std::make_unique<qvtest::WebDavServer>();
+    setenv("TMPDIR", Downloads.Path().c_str(), 1);  // parallel tests download the same names
     Server->Write("/My Web/App/App.csproj", "<Project/>\r\n");
-    Server->Write("/My Web/App/Properties/AssemblyInfo.cs", kInfo);
+    Server->Write("/My Web/App/Properties/AssemblyInfo.cs",
+                  "[assembly: AssemblyVersion(\"1.0.*\")]\r\n");
     QvWebDavServices = &Transport;
     Client.UserName = Server->User();
     Client.Password = Server->Password();
-    Address = "http://127.0.0.1:" + std::to_string(Server->Port()) + "/My%20Web/App/App.csproj";
   }
-  void TearDown() override { QvWebDavServices = nullptr; }
+  void TearDown() override {
+    QvWebDavServices = nullptr;
+    unsetenv("TMPDIR");
+  }
   std::string Connect() {
-    return ErrorOf([&] { GetProjectFileUsingWebDAV(&Client, Address, RemoteDir, LocalFile); });
+    std::string address = "http://127.0.0.1:" + Port() + "/My%20Web/App/App.csproj";
+    return ErrorOf([&] { GetProjectFileUsingWebDAV(&Client, address, RemoteDir, LocalFile); });
   }
-  std::string Tail(const std::string& user) {
-    return "\rServername: 127.0.0.1\rServerport: " + std::to_string(Server->Port()) +
-           "\rUserID: " + user;
-  }
+  std::string Port() { return std::to_string(Server->Port()); }
 
-  static constexpr std::string_view kInfo = "[assembly: AssemblyVersion(\"1.0.*\")]\r\n";
+  qvtest::TempDir Downloads;
   std::unique_ptr<qvtest::WebDavServer> Server;
   qvhost::TCurlWebDav Transport;
   TQvWebDavClient Client;
-  std::string Address, RemoteDir, LocalFile;
+  std::string RemoteDir, LocalFile;
 };
 
 TEST_F(WebDavLocation, AssemblyInfoIsFetchedRewrittenAndPutBack) {
   ASSERT_EQ(Connect(), "(no exception)");
-  EXPECT_EQ(RemoteDir, "My Web/App");
-  EXPECT_EQ(qvtest::TempDir::Read(LocalFile), "<Project/>\r\n");
+  EXPECT_EQ(RemoteDir + "|" + qvtest::TempDir::Read(LocalFile), "My Web/App|<Project/>\r\n");
   std::string info = GetFileUsingWebDAV(Client, RemoteDir + "/Properties", "AssemblyInfo.cs");
   TStringList lines;
   lines.LoadFromFile(info);
@@ -123,25 +105,25 @@ TEST_F(WebDavLocation, AssemblyInfoIsFetchedRewrittenAndPutBack) {
 
 TEST_F(WebDavLocation, FailuresSayWhyAndNeverShowThePassword) {
   ASSERT_EQ(Connect(), "(no exception)");
-  std::string name = "Missing" + std::to_string(Server->Port()) + ".cs";
+  std::string name = "Missing.cs",
+              tail = "\rServername: 127.0.0.1\rServerport: " + Port() + "\rUserID: builder\r";
   std::string local = IncludeTrailingPathDelimiter(GetTempFolder()) + name;
   std::ofstream(local) << "an earlier download";
   std::string missing = ErrorOf([&] { GetFileUsingWebDAV(Client, "My Web", name); });
   EXPECT_EQ(missing,
-            "Error retrieving file with WebDAV: HTTP/1.1 404 Not Found\rDownload "
-            "filename: " +
-                local + Tail("builder") + "\rRequested file: /My Web/" + name);
+            "Error retrieving file with WebDAV: HTTP/1.1 404 Not Found\rDownload filename: " +
+                local + tail + "Requested file: /My Web/" + name);
   EXPECT_FALSE(std::filesystem::exists(local));
   EXPECT_EQ(ErrorOf([&] { PutFileUsingWebDAV(Client, LocalFile, "No/Such"); }),
             "Error uploading file with WebDAV: HTTP/1.1 409 Conflict\rLocal filename: " +
-                LocalFile + Tail("builder") + "\rRemote Path: /No/Such/");
+                LocalFile + tail + "Remote Path: /No/Such/");
   Client.Password = "wrong-pa55";
   std::string refused = Connect();
   EXPECT_EQ(refused, "Unable to connect using WebDAV : HTTP/1.1 401 Unauthorized");
   Server->Stop();
   std::string down = Connect();
   EXPECT_EQ(down, "Unable to connect using WebDAV : Couldn't connect to server (http://127.0.0.1:" +
-                      std::to_string(Server->Port()) + "/)");
+                      Port() + "/)");
   for (const std::string& message : {missing, refused, down})
     for (const std::string& password : {Server->Password(), Client.Password})
       EXPECT_EQ(message.find(password), std::string::npos) << message;
