@@ -14,6 +14,7 @@
 #include "support/JsonLines.h"
 #include "support/RunCommand.h"
 #include "support/TempDir.h"
+#include "support/WebDavServer.h"
 
 extern char** environ;
 
@@ -424,6 +425,55 @@ TEST(Stamping, BuildNumbersCountUpFromRunToRun) {
                   .find("FILEVERSION 1,0,0," + n + "\r\n"),
               std::string::npos);
   }
+}
+
+}  // namespace
+
+namespace {
+
+// A Visual Studio 2003 web project served over WebDAV: its AssemblyInfo is fetched,
+// stamped and put back; a wrong password fails with the server's status and shows nowhere.
+TEST(Stamping, WebProjectOverWebDAV) {
+  if (!qvtest::WebDavServer::Available()) GTEST_SKIP() << "no Apache httpd with mod_dav";
+  Session s;
+  qvtest::WebDavServer server;
+  // The project file names "AssemblyInfo.cs"; the updater asks for it lower-cased, which
+  // IIS would serve and Apache serves only under that name.
+  server.Write("/Web App/WebApp.csproj",
+               TempDir::Read(s.samples + "/vs2003/wwwroot/WebApp/WebApp.csproj"));
+  server.Write("/Web App/assemblyinfo.cs",
+               "using System.Reflection;\r\n[assembly: AssemblyVersion(\"1.0.*\")]\r\n");
+  std::string url = "http://127.0.0.1:" + std::to_string(server.Port()) + "/Web App/";
+  std::string sln =
+      s.dir.Write("Web.sln",
+                  "Microsoft Visual Studio Solution File, Format Version 8.00\r\n"
+                  "Project(\"{FAE04EC0-301F-11D3-BF4B-00C04F79EFBC}\") = \"WebApp\", \"" +
+                      url +
+                      "WebApp.csproj\", \"{AFFA1CCE-F1E8-4744-9F1A-BE91AE4BE644}\"\r\n"
+                      "EndProject\r\nGlobal\r\nEndGlobal\r\n");
+  std::vector<std::string> props = {"Solution=" + sln,
+                                    "SolutionConfiguration=Release",
+                                    "VStudioVersion=vs2003",
+                                    "UpdateAssemblyInfo=True",
+                                    "UpdateAssemblyVersion=True",
+                                    "AssemblyVersion=2|1|40|0",
+                                    "ProjLocationDetectMethod=useWebDAV",
+                                    "WebDAVUsername=" + server.User()};
+  auto wrong = props;
+  wrong.push_back("WebDAVPassword=not-" + server.Password());
+  auto r = s.Exec(wrong);
+  EXPECT_EQ(r.exitCode, 1);
+  EXPECT_NE(r.out.find("Error Updating Assembly Info : Unable to connect using WebDAV : "),
+            std::string::npos)
+      << r.out;
+  EXPECT_NE(r.out.find("401"), std::string::npos);
+  EXPECT_EQ(r.out.find(server.Password()), std::string::npos);
+  props.push_back("WebDAVPassword=" + server.Password());
+  r = s.Exec(props);
+  ASSERT_EQ(r.exitCode, 0) << r.out << r.err;
+  EXPECT_EQ(TempDir::Read(server.Root() + "/Web App/assemblyinfo.cs"),
+            "using System.Reflection;\r\n[assembly: AssemblyVersion(\"2.1.40.0\")]\r\n");
+  EXPECT_EQ(r.out.find(server.Password()), std::string::npos);
 }
 
 }  // namespace
