@@ -7,20 +7,26 @@ cd "$(dirname "$0")/.."
 scripts/setup.sh
 scripts/build.sh default
 
-# A fresh copy of the samples, so that no build output lands in the source tree.
+# A fresh copy of the samples, so that no build output lands in the source tree, and a copy
+# of the build process that qvhost saves the counted-up build number back into (kept from
+# one demo run to the next).
 demo="$PWD/build/demo"
-rm -rf "$demo"
+rm -rf "$demo/vs2008"
 mkdir -p "$demo"
 cp -R examples/vs2008 "$demo/vs2008"
+[ -f "$demo/Greeting.qvproj" ] || cp examples/demo/Greeting.qvproj "$demo/Greeting.qvproj"
 
 echo "==== How the package reads the sample solution (qvsln)"
 build/bin/qvsln "$demo/vs2008/Greeting.sln"
 echo
-echo "==== The demo build process (qvhost run examples/demo/Greeting.qvproj)"
-build/bin/qvhost run examples/demo/Greeting.qvproj --var "DEMO=$demo" --options "$demo/options.xml"
+echo "==== The demo build process (qvhost run build/demo/Greeting.qvproj, a copy of examples/demo/Greeting.qvproj)"
+build/bin/qvhost run "$demo/Greeting.qvproj" --var "DEMO=$demo" --options "$demo/options.xml"
+echo
+echo "==== The build number qvhost saved back into build/demo/Greeting.qvproj"
+grep -n 'AssemblyVersionBuild' "$demo/Greeting.qvproj"
 echo
 echo "==== The version resource it stamped (vs2008/GreetingNative/App.rc)"
 sed -n '/^VS_VERSION_INFO/,/^END/p' "$demo/vs2008/GreetingNative/App.rc" | tr -d '\r'
 echo
-echo "==== The program it built (Debug, with DEBUG, TRACE and EXTRA defined)"
+echo "==== The program it built (its stamped version; Debug, with DEBUG, TRACE and EXTRA defined)"
 mono "$demo/vs2008/Greeting.Console/bin/Debug/Greeting.Console.exe"

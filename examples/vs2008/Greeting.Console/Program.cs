@@ -7,6 +7,7 @@ namespace Greeting.ConsoleApp
     /// Prints a greeting, then the conditional compilation symbols that this
     /// program and the library were compiled with, for example:
     ///   Hello, World!
+    ///   Version: 1.2.42.0
     ///   Symbols: DEBUG=on TRACE=on EXTRA=off
     ///   Library symbols: DEBUG TRACE
     /// </summary>
@@ -18,6 +19,7 @@ namespace Greeting.ConsoleApp
             string name = args.Length > 0 ? String.Join(" ", args) : null;
 
             Console.WriteLine(greeter.Greet(name));
+            Console.WriteLine("Version: " + typeof(Program).Assembly.GetName().Version);
             Console.WriteLine("Symbols: " + DescribeSymbols());
             Console.WriteLine("Library symbols: " + Greeter.BuildSymbols);
             return 0;
