@@ -82,6 +82,7 @@ void TRunner::SetPropertySetValue(const std::string& set, const std::string& nam
 }
 
 void TRunner::LoadProject(const TProjectFile& file) {
+  FFile = &file;
   for (const auto& v : file.Variables())
     FEnv.Expander.SetProjectVariable(v.Name, v.Value);
   for (const auto& set : file.PropertySets()) {
@@ -200,6 +201,15 @@ bool TRunner::RunLoop(TActionInstance& a, qv::TQvBaseIterator& loop) {
   if (!RunAs(loop, [&] { return loop.BeforeFirstIteration(); })) return false;
   int count = loop.GetIterationCount();
   for (int i = 1; i <= count; ++i) {
+    // A nested action may rewrite its own properties while it runs (the build action turns
+    // project names into identifiers), so every iteration gets fresh instances as the
+    // project file configures them; the last ones' dynamic properties are saved back.
+    if (i > 1 && FFile && a.Source) {
+      std::vector<TActionInstance> fresh;
+      for (const auto& child : a.Source->Actions)
+        CreateFromProject(*FFile, child, fresh);
+      a.Children = std::move(fresh);
+    }
     loop.SetCurrentIteration(i);
     std::string value = loop.GetCurrentValue();
     std::string var = loop.GetVariableName();

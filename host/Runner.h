@@ -79,6 +79,7 @@ class TRunner {
   TRunEnvironment& FEnv;
   TClock FClock;
   std::vector<TActionInstance> FActions;
+  const TProjectFile* FFile = nullptr;  // the project the actions came from, if any
   std::atomic<qv::TCustomQvAction*> FCurrent{nullptr};
   std::atomic<bool> FStop{false};
   int FRun = 0, FFailed = 0;

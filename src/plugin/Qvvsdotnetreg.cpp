@@ -4,6 +4,7 @@
 #include "Qvversioninfoupdateraction.h"
 #include "Qvvsdotnetaction.h"
 #include "Qvvsdotnetoptions.h"
+#include "Qvvsdotnetsolutioniterator.h"
 
 namespace qv {
 
@@ -61,8 +62,10 @@ void QvRegisterPackage(bool registerDesignTime) {
   // Steps 4 to 6 register the MSTest, version info updater and solution iterator actions.
   QvActionServices->RegisterAction("Win32 Version Info Updater", "Compilers", "VERSIONINFO",
                                    ActionClassOf<TQvVersionInfoUpdaterAction>());  // step 5
-  if (!registerDesignTime) return;                                                 // step 7
-  RegisterPropertyEditors();                                                       // step 8
+  QvActionServices->RegisterAction("VS.NET Solution Iterator", "Compilers", "SOLUTIONITERATOR",
+                                   ActionClassOf<TQvVSSolutionIterator>());  // step 6
+  if (!registerDesignTime) return;                                           // step 7
+  RegisterPropertyEditors();                                                 // step 8
   // Steps 9 to 13 register the action pages and the options page.
   RegisterBuildKindConstants();  // step 14
 }

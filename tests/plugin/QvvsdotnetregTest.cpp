@@ -23,6 +23,7 @@ const std::vector<std::string> kRunTimeCalls = {
     "global VSDotNetOptions function VSDotNetOptions: Variant;",
     "enum TVSDotNetVersion vs2002,vs2003,vs2005,vs2008,vsUnknown",
     "action TQvVersionInfoUpdaterAction \"Win32 Version Info Updater\" Compilers VERSIONINFO",
+    "action TQvVSSolutionIterator \"VS.NET Solution Iterator\" Compilers SOLUTIONITERATOR",
 };
 
 TEST(QvRegister, WithoutDesignTimeOnlyActionsScriptMethodsAndOptions) {
