@@ -483,3 +483,50 @@ TEST(Stamping, WebProjectOverWebDAV) {
 }
 
 }  // namespace
+
+namespace {
+
+// A loop over a solution's projects with a nested build of the loop's project: every
+// iteration builds its own project (fresh nested actions), and a number the nested action
+// counts up is saved once, as the last iteration left it.
+TEST(Iterator, NestedBuildPerProjectInDependencyOrder) {
+  Session s;
+  std::string project = s.dir.Write(
+      "loop.qvproj",
+      "<QvProject>\n  <Actions>\n"
+      "    <Action type=\"VS.NET Solution Iterator\">\n"
+      "      <Property name=\"Solution\">" +
+          s.samples +
+          "/vs2008/Mixed.sln</Property>\n"
+          "      <Property name=\"IterateValue\">svName</Property>\n"
+          "      <Property name=\"VariableName\">P</Property>\n"
+          "      <Actions>\n"
+          "        <Action type=\"TQvVSDotNetAction\">\n"
+          "          <Property name=\"Solution\">" +
+          s.samples +
+          "/vs2008/Mixed.sln</Property>\n"
+          "          <Property name=\"SolutionConfiguration\">Release|Any CPU</Property>\n"
+          "          <Property name=\"VStudioVersion\">vs2008</Property>\n"
+          "          <Property name=\"UseMSBuild\">False</Property>\n"
+          "          <Property name=\"BuildType\">btSelectedProjects</Property>\n"
+          "          <Property name=\"SelectedProjects\"><Line>%P%</Line></Property>\n"
+          "          <Property name=\"UpdateWin32Resource\">True</Property>\n"
+          "          <Property name=\"BuildVersion\">41</Property>\n"
+          "          <Property name=\"AutoIncBuild\">True</Property>\n"
+          "        </Action>\n      </Actions>\n    </Action>\n  </Actions>\n</QvProject>\n");
+  auto r = RunCommand(s.Qvhost(kBin + "/mono") + " run " + ShellQuote(project));
+  ASSERT_EQ(r.exitCode, 0) << r.out << r.err;
+  std::vector<std::string> built;
+  for (const auto& call : s.Calls())
+    built.push_back(call[3]);
+  EXPECT_EQ(built,
+            (std::vector<std::string>{
+                "Greeting.Lib\\Greeting.Lib.csproj", "Greeting.Console\\Greeting.Console.csproj",
+                "GreetingNative\\GreetingNative.vcproj", "GreetingSetup\\GreetingSetup.vdproj"}));
+  EXPECT_NE(TempDir::Read(project).find("<Property name=\"BuildVersion\">42</Property>"),
+            std::string::npos);
+  EXPECT_NE(TempDir::Read(s.samples + "/vs2008/GreetingNative/App.rc").find("FILEVERSION 1,0,0,42"),
+            std::string::npos);
+}
+
+}  // namespace
