@@ -4,9 +4,9 @@
 #include <thread>
 
 #include "QvExceptions.h"
+#include "QvPaths.h"
 #include "QvPlatform.h"
 #include "QvSysUtils.h"
-#include "QvPaths.h"
 #include "QvUtils.h"
 #include "Qvvsdotnetaction.h"
 
