@@ -22,7 +22,8 @@ class StampAction : public qvtest::RecordingAction, public IQvAssemblyInfoSettin
   bool GetUpdateAssemblyAttribute(A a) override { return Values.count(a) > 0; }
   std::string GetAssemblyAttributeValue(A a) override { return Values[a]; }
   bool GetLinkAssemblyFileVersionInfo() override { return true; }
-  int GetProjLocationDetectMethodValue() override { return 1; }
+  int GetProjLocationDetectMethodValue() override { return Method; }
+  int Method = 1;
   int32_t GetWMIWebsiteNum() override { return 1; }
   std::string GetSharePath() override { return "wwwroot$"; }
   std::string GetWebDAVUsername() override { return {}; }
@@ -112,4 +113,46 @@ TEST_F(QvassemblyinfoTest, MissingProjectOrReadOnlyFileFailsNamingItAndLosesNoth
   }
   EXPECT_EQ(qvtest::TempDir::Read(path), before);
   EXPECT_EQ(qvtest::TempDir::Read(path + ".bak"), before);
+}
+
+// WebDAV: the project file and its AssemblyInfo come from the site and go back to it (the
+// site, like IIS, answers the lower-cased reference).
+TEST_F(QvassemblyinfoTest, WebProjectsOverWebDAVAreFetchedStampedAndPutBack) {
+  std::string site = dir.File("site/"), calls;
+  std::filesystem::create_directories(dir.File("local"));
+  dir.Write("site/Web/properties/assemblyinfo.cs", "[assembly: AssemblyTitle(\"Old\")]\r\n");
+  dir.Write("site/Web/Web.csproj", "<Compile Include=\"Properties\\AssemblyInfo.cs\" />");
+  auto fetch = [&](const std::string& remote, const std::string& name) {
+    calls += "get " + remote + " " + name + "\n";
+    std::filesystem::copy_file(site + remote + "/" + name, dir.File("local/" + name));
+    return dir.File("local/" + name);
+  };
+  TQvWebProjectRoutines web;
+  web.GetProjectFileUsingWebDAV = [&](auto&, auto&, auto&, std::string& remote,
+                                      std::string& local) {
+    local = fetch(remote = "Web", "Web.csproj");
+  };
+  web.GetFileUsingWebDAV = fetch;
+  web.PutFileUsingWebDAV = [&](const std::string& local, const std::string& remote) {
+    calls += "put " + remote + "\n";
+    std::filesystem::copy_file(local, site + remote + "/" + ExtractFileName(local),
+                               std::filesystem::copy_options::overwrite_existing);
+  };
+  web.CloseWebDAV = [&] { calls += "close\n"; };
+  action.Method = 2;
+  action.Values = {{A::aaTitle, "Stamped"}};
+  GetAssemblyInfoUpdater(
+      OpenSolution(
+          dir.Write(
+              "W.sln",
+              "Microsoft Visual Studio Solution File, "
+              "Format Version 8.00\nProject(\"{FAE04EC0-301F-11D3-BF4B-00C04F79EFBC}\") = \"Web\", "
+              "\"http://localhost/Web/Web.csproj\", \"{W}\"\nEndProject\nGlobal\nEndGlobal\n"),
+          false),
+      action, web)
+      ->UpdateAllAssemblyInfo();
+  EXPECT_EQ(calls,
+            "get Web Web.csproj\nget Web/properties assemblyinfo.cs\nput Web/properties\nclose\n");
+  EXPECT_EQ(qvtest::TempDir::Read(site + "Web/properties/assemblyinfo.cs"),
+            "[assembly: AssemblyTitle(\"Stamped\")]\r\n");
 }
