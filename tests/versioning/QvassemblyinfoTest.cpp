@@ -6,8 +6,8 @@
 #include <filesystem>
 #include <map>
 
-#include "QvExceptions.h"
 #include "QvSysUtils.h"
+#include "support/ErrorOf.h"
 #include "support/RecordingActionContext.h"
 #include "support/TempDir.h"
 
@@ -94,23 +94,13 @@ TEST_F(QvassemblyinfoTest, ChosenProjectsOnlyAndUnknownIdentifiersLogged) {
 
 TEST_F(QvassemblyinfoTest, MissingProjectOrReadOnlyFileFailsNamingItAndLosesNothing) {
   std::filesystem::remove(dir.File("Bare/Bare.csproj"));
-  try {
-    Updater(true)->UpdateAllAssemblyInfo();
-    FAIL();
-  } catch (const Exception& e) {
-    EXPECT_EQ(std::string(e.what()), "ERROR : Unable to find : " + dir.File("Bare/Bare.csproj"));
-  }
-  std::string path = dir.File(Files[0]);
-  std::string before = qvtest::TempDir::Read(Fixtures + "/" + Files[0]);
-  std::filesystem::copy_file(Fixtures + "/" + Files[0], path,
-                             std::filesystem::copy_options::overwrite_existing);
+  EXPECT_EQ(qvtest::ErrorOf([&] { Updater(true)->UpdateAllAssemblyInfo(); }),
+            "ERROR : Unable to find : " + dir.File("Bare/Bare.csproj"));
+  std::string path = dir.File(Files[0]), before = qvtest::TempDir::Read(Fixtures + "/" + Files[0]);
+  dir.Write(Files[0], before);
   chmod(path.c_str(), 0444);
-  try {
-    Updater()->UpdateAllAssemblyInfo();
-    FAIL();
-  } catch (const Exception& e) {
-    EXPECT_EQ(std::string(e.what()), "Unable to write file \"" + path + "\" : Permission denied");
-  }
+  EXPECT_EQ(qvtest::ErrorOf([&] { Updater()->UpdateAllAssemblyInfo(); }),
+            "Unable to write file \"" + path + "\" : Permission denied");
   EXPECT_EQ(qvtest::TempDir::Read(path), before);
   EXPECT_EQ(qvtest::TempDir::Read(path + ".bak"), before);
 }
