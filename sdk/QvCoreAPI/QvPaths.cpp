@@ -70,8 +70,8 @@ std::string ResolvePathCase(const std::string& path) {
     if (j == std::string::npos) j = path.size();
     std::string part = path.substr(i, j - i);
     i = j + 1;
-    if (part.empty()) continue;
-    if (part != "." && part != "..") {
+    if (part.empty() || part == ".") continue;
+    if (part != "..") {
       part = MatchInFolder(resolved.empty() ? std::string(".") : resolved, part);
       if (part.empty()) return path;
     }

@@ -123,11 +123,11 @@ void AtomicWriteFile(const std::string& path, std::string_view data) {
     dir = slash == 0 ? "/" : path.substr(0, slash);
     name = path.substr(slash + 1);
   }
+  struct stat st;
+  bool exists = stat(path.c_str(), &st) == 0;
   // A read-only file stays as it is, as on Windows, even for a user whom POSIX would let
   // replace it by a rename.
-  struct stat existing;
-  if (stat(path.c_str(), &existing) == 0 && (existing.st_mode & 0222) == 0)
-    WriteFailed(path, EACCES);
+  if (exists && (st.st_mode & 0222) == 0) WriteFailed(path, EACCES);
   std::string tmp = (dir == "/" ? "" : dir) + "/." + name + ".qvtmp.XXXXXX";
   std::vector<char> tmpl(tmp.begin(), tmp.end());
   tmpl.push_back('\0');
@@ -135,13 +135,12 @@ void AtomicWriteFile(const std::string& path, std::string_view data) {
   if (fd < 0) WriteFailed(path, errno);
   tmp.assign(tmpl.data());
 
-  struct stat st;
   mode_t mode = 0666 & ~[] {
     mode_t m = umask(0);
     umask(m);
     return m;
   }();
-  if (stat(path.c_str(), &st) == 0) mode = st.st_mode & 07777;
+  if (exists) mode = st.st_mode & 07777;
 
   int err = 0;
   if (!WriteAll(fd, data) || fchmod(fd, mode) != 0 || fsync(fd) != 0) err = errno;

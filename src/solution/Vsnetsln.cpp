@@ -3,9 +3,9 @@
 #include <unordered_map>
 
 #include "QvExceptions.h"
+#include "QvPaths.h"
 #include "QvPlatform.h"
 #include "QvSysUtils.h"
-#include "QvPaths.h"
 #include "QvUtils.h"
 #include "VsnetslnOrder.h"
 #include "VsnetslnVcproj.h"

@@ -256,6 +256,18 @@ TEST_F(ProjectFiles, ResourceScriptsOfFirstLevelFiltersAndTheVersionScript) {
   EXPECT_EQ(app->GetVersionInfoFile(), dir.File("App/other.rc"));
 }
 
+// Visual Studio names files without regard to case; on disk they may differ from the names.
+TEST_F(ProjectFiles, ProjectsAndScriptsAreFoundInAnyLetterCase) {
+  dir.Write("app/app.vcproj", kVcproj);
+  dir.Write("app/Res/APP.rc", "// no version here\r\n");
+  dir.Write("app/Other.RC", "1 VERSIONINFO\r\n");
+  auto app = Open(Header() + kAppVcproj + kEmptyGlobal)->GetProjects()->GetItem(0);
+  ASSERT_TRUE(app);
+  EXPECT_EQ(app->GetResourceFiles()->Strings(),
+            (std::vector<std::string>{dir.File("app/Res/APP.rc"), dir.File("app/Other.RC")}));
+  EXPECT_EQ(app->GetVersionInfoFile(), dir.File("app/Other.RC"));
+}
+
 TEST_F(ProjectFiles, UnreadableScriptsAreSkippedAndOtherRootsContributeNothing) {
   dir.Write("App/App.vcproj", kVcproj);  // none of its scripts exist
   dir.Write("Other/Other.vcproj",
