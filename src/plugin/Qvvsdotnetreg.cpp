@@ -1,6 +1,7 @@
 #include "Qvvsdotnetreg.h"
 
 #include "QvServices.h"
+#include "Qvmstestaction.h"
 #include "Qvversioninfoupdateraction.h"
 #include "Qvvsdotnetaction.h"
 #include "Qvvsdotnetoptions.h"
@@ -60,6 +61,8 @@ void QvRegisterPackage(bool registerDesignTime) {
   RegisterBuildAction();  // steps 1 and 2
   RegisterOptions();      // step 3
   // Steps 4 to 6 register the MSTest, version info updater and solution iterator actions.
+  QvActionServices->RegisterAction("Run MSTest", "Testing Tools", "MSTEST",
+                                   ActionClassOf<TQvMSTestAction>());  // step 4
   QvActionServices->RegisterAction("Win32 Version Info Updater", "Compilers", "VERSIONINFO",
                                    ActionClassOf<TQvVersionInfoUpdaterAction>());  // step 5
   QvActionServices->RegisterAction("VS.NET Solution Iterator", "Compilers", "SOLUTIONITERATOR",

@@ -530,3 +530,49 @@ TEST(Iterator, NestedBuildPerProjectInDependencyOrder) {
 }
 
 }  // namespace
+
+namespace {
+
+// MSTest.exe (the stand-in) run through qvhost: publishing under Team Build, and a failing
+// test run whose counts are still measured.
+TEST(MSTestRun, PublishModesAndAFailingRun) {
+  Session s;
+  s.dir.Write("options.xml",
+              "<QvOptions><Section key=\"VisualStudioDotNet\"><Value name=\"MSDevPath2008\" "
+              "type=\"string\">" +
+                  kBin + "/standins/mstest/</Value></Section></QvOptions>");
+  std::string dll = s.dir.Write("bin/Greeting.Tests.dll", "MZ");
+  std::string exec = s.Qvhost(kBin + "/mono") + " exec \"Run MSTest\" VisualStudioVer=vs2008 " +
+                     ShellQuote("AssemblyFileName=" + dll);
+  std::string teamBuild;
+  for (const char* v : {"TeamServer=http://tfs:8080", "TeamProject=Greeting",
+                        "TeamBuildId=Nightly_12", "BuildPlatform=Any CPU", "BuildFlavor=Release"})
+    teamBuild += " --var " + ShellQuote(std::string("_env") + v);
+  auto r = RunCommand(exec + teamBuild);
+  ASSERT_EQ(r.exitCode, 0) << r.out;
+  Log log(r.out);
+  EXPECT_TRUE(
+      log.Has("[0] Results will be published to Team Project Greeting on "
+              "http://tfs:8080, Build Id Nightly_12 (Release/Any CPU)"));
+  EXPECT_TRUE(log.Has("[0] Publish completed successfully."));
+  EXPECT_EQ(r.out.find("\"metric\""), std::string::npos);  // Team Build counts them itself
+  EXPECT_EQ(s.Calls().back(),
+            (std::vector<std::string>{s.dir.Path() + "/bin", "/testcontainer:" + dll, "/nologo",
+                                      "/publish:http://tfs:8080", "/teamproject:Greeting",
+                                      "/publishbuild:Nightly_12", "/flavor:Release",
+                                      "/platform:Any CPU"}));
+  s.StandIn("tests.txt",
+            "Passed Greeting.Tests.GreeterChecks.Greets\nFailed "
+            "Greeting.Tests.GreeterChecks.GreetsNobody\n");
+  r = RunCommand(exec + " PublishMode=pbNone");
+  EXPECT_EQ(r.exitCode, 1);
+  EXPECT_TRUE(Log(r.out).Has("[0] 1/2 test(s) Passed, 1 Failed")) << r.out;
+  EXPECT_NE(r.out.find("{\"event\":\"metric\",\"group\":\"Unit_Tests\",\"name\":\"Tests_Failed\","
+                       "\"value\":1}"),
+            std::string::npos);
+  r = RunCommand(exec + " PublishMode=pbNone " + ShellQuote("AssemblyFileName=" + dll + ".x"));
+  EXPECT_EQ(r.exitCode, 1);
+  EXPECT_TRUE(Log(r.out).Has("[0] File does not exist: " + dll + ".x")) << r.out;
+}
+
+}  // namespace

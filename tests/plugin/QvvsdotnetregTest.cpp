@@ -22,6 +22,7 @@ const std::vector<std::string> kRunTimeCalls = {
     "options TVSDotNetOptions DEVENV",
     "global VSDotNetOptions function VSDotNetOptions: Variant;",
     "enum TVSDotNetVersion vs2002,vs2003,vs2005,vs2008,vsUnknown",
+    "action TQvMSTestAction \"Run MSTest\" Testing Tools MSTEST",
     "action TQvVersionInfoUpdaterAction \"Win32 Version Info Updater\" Compilers VERSIONINFO",
     "action TQvVSSolutionIterator \"VS.NET Solution Iterator\" Compilers SOLUTIONITERATOR",
 };

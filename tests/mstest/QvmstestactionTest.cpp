@@ -1,0 +1,164 @@
+#include "Qvmstestaction.h"
+
+#include <gtest/gtest.h>
+
+#include "QvProcess.h"
+#include "support/RecordingActionContext.h"
+#include "support/RecordingServices.h"
+#include "support/TempDir.h"
+
+using namespace qv;
+
+namespace {
+
+// Options that know where Visual Studio.NET 2008 and the standalone runner live, and an action
+// bound to a recording context.
+class MSTest : public testing::Test {
+ protected:
+  qvtest::RecordingServices services;
+  qvtest::TempDir dir;
+  IntfPtr<qvtest::RecordingActionContext> ctx = qvtest::RecordingActionContext::Create();
+  IntfPtr<IQvVSDotNetOptions> options;
+  std::unique_ptr<TQvMSTestAction> a;
+  MSTest() {
+    RegisterOptions();
+    options = VSDotNetOptions();
+    options->SetDevEnv2008Location(dir.Path() + "/VS9/");
+    dir.Write("VS9/MSTest.exe", "");
+    options->SetDefaultVSVersion(3);
+    a = std::make_unique<TQvMSTestAction>();
+    a->BindContext(ctx);
+    a->SetPropValue("AssemblyFileName", "C:\\Build\\Greeting.Tests.dll");
+  }
+  // The command line, or "(not run)" when the action would not run.
+  std::string CommandLine() {
+    IntfPtr<ICommandLineBuilder> b = NewCommandLineBuilder();
+    return a->GetCommandLine(b.Get()) ? b->GetCommandLine() : "(not run)";
+  }
+  std::vector<std::string> Validation() {
+    struct Sink : TInterfacedObject, IQvActionValidationError {
+      std::vector<std::string> Lines;
+      void AddError(const std::string& s, const std::string& m, IInterface* e) override {
+        Lines.push_back(s + "|" + m + (e ? "|options" : ""));
+      }
+    };
+    IntfPtr<Sink> sink(new Sink);
+    a->Validate(sink.Get());
+    return sink->Lines;
+  }
+};
+
+TEST_F(MSTest, DefaultsAndIdentity) {
+  const std::pair<uint8_t, const char*> versions[] = {
+      {1, "vs2005"}, {3, "vs2008"}, {4, "vsUnknown"}};
+  for (auto [stored, expected] : versions) {
+    options->SetDefaultVSVersion(stored);
+    EXPECT_EQ(TQvMSTestAction().GetPropValue("VisualStudioVer"), expected);
+  }
+  EXPECT_EQ(a->GetPropValue("PublishMode") + a->GetPropValue("BuildPlatform") +
+                a->GetPropValue("BuildFlavor"),
+            "pbAutoAny CPUQuorvex");
+  EXPECT_EQ(a->GetFormattedDescription(), "Run MSTest [ C:\\Build\\Greeting.Tests.dll ]");
+  EXPECT_EQ(a->GetExecutable(), dir.Path() + "/VS9/MSTest.exe");
+  EXPECT_EQ(a->GetStartingDir(), "C:\\Build\\");
+}
+
+TEST_F(MSTest, CommandLinesInTheirFixedOrder) {
+  struct Case {
+    std::vector<std::pair<const char*, const char*>> props;
+    std::string line;
+  } cases[] = {
+      {{}, "/testcontainer:C:\\Build\\Greeting.Tests.dll /nologo"},
+      {{{"SpecifyTestList", "True"}, {"TestList", "Nightly"}, {"ShowBanner", "True"}},
+       "/testcontainer:C:\\Build\\Greeting.Tests.dll"},
+      {{{"UseMetadataFile", "True"},
+        {"MetadataFile", "Greeting.vsmdi"},
+        {"SpecifyTestList", "True"},
+        {"TestList", "List A,\"List B\""},
+        {"OutputFileName", "out dir\\r.trx"},
+        {"ConfigFileName", "local.testrunconfig"}},
+       "/testmetadata:Greeting.vsmdi /resultsfile:\"out dir\\r.trx\" "
+       "/runconfig:local.testrunconfig /testlist:List /testlist:A /testlist:\"List B\" /nologo"},
+      {{{"SpecifyTests", "True"}, {"Tests", "TestA, TestB My\\"}},
+       "/testcontainer:C:\\Build\\Greeting.Tests.dll /test:TestA /test:TestB /test:My\\ /nologo"},
+      {{{"PublishMode", "pbSpecify"},
+        {"TeamServer", "http://tfs:8080"},
+        {"TeamProject", "Greeting"},
+        {"BuildId", "Nightly_1"}},
+       "/testcontainer:C:\\Build\\Greeting.Tests.dll /nologo /publish:http://tfs:8080 "
+       "/teamproject:Greeting /publishbuild:Nightly_1 /flavor:Quorvex /platform:\"Any CPU\""},
+      {{{"AssemblyFileName", "%Missing%"}}, "(not run)"},
+  };
+  for (const auto& c : cases) {
+    a = std::make_unique<TQvMSTestAction>();
+    a->BindContext(ctx);
+    a->SetPropValue("AssemblyFileName", "C:\\Build\\Greeting.Tests.dll");
+    for (const auto& [name, value] : c.props)
+      a->SetPropValue(name, value);
+    EXPECT_EQ(CommandLine(), c.line);
+  }
+  // Values the builder quotes come back whole through the Windows splitting rules.
+  a->SetPropValue("AssemblyFileName", "C:\\My Tests\\a \"b\".dll");
+  a->SetPropValue("OutputFileName", "C:\\out dir\\");
+  EXPECT_EQ(SplitCommandLine(CommandLine()),
+            (std::vector<std::string>{"/testcontainer:C:\\My Tests\\a \"b\".dll",
+                                      "/resultsfile:C:\\out dir\\", "/nologo"}));
+}
+
+TEST_F(MSTest, TeamBuildVariablesAndMetrics) {
+  ctx->Variables["_envTeamServer"] = "http://tfs:8080";
+  EXPECT_EQ(CommandLine(), "/testcontainer:C:\\Build\\Greeting.Tests.dll /nologo");
+  EXPECT_EQ(ctx->Messages().back(),
+            "[2] Warning : It appears that this project is running under Team Build, but not "
+            "all Team Build parameters are available");
+  a->OnStdOutData(nullptr,
+                  "Passed  T1\r\n7/9 test(s) Passed, 2 Failed\r\n0/0 test(s) Passed\r\n"
+                  "5 test(s) Passed\r\n");
+  EXPECT_EQ(ctx->Metrics, (std::vector<qvtest::Metric>{{"Unit_Tests", "Tests_Successful", 7},
+                                                       {"Unit_Tests", "Tests_Failed", 2},
+                                                       {"Unit_Tests", "Tests_Successful", 0},
+                                                       {"Unit_Tests", "Tests_Failed", 0},
+                                                       {"Unit_Tests", "Tests_Successful", 0},
+                                                       {"Unit_Tests", "Tests_Failed", 5}}));
+  for (const char* v :
+       {"_envTeamProject", "_envTeamBuildId", "_envBuildPlatform", "_envBuildFlavor"})
+    ctx->Variables[v] = std::string(v).substr(4);
+  EXPECT_EQ(CommandLine(),
+            "/testcontainer:C:\\Build\\Greeting.Tests.dll /nologo /publish:http://tfs:8080 "
+            "/teamproject:TeamProject /publishbuild:TeamBuildId /flavor:BuildFlavor "
+            "/platform:BuildPlatform");
+  EXPECT_EQ(
+      ctx->Messages().back(),
+      "[0] Results will be published to Team Project TeamProject on http://tfs:8080, Build Id "
+      "TeamBuildId (BuildFlavor/BuildPlatform)");
+  ctx->Metrics.clear();
+  a->OnStdOutData(nullptr, "1/1 test(s) Passed\r\n");
+  EXPECT_TRUE(a->AutoPublishing() && ctx->Metrics.empty());
+}
+
+TEST_F(MSTest, ValidationReportsOneProblemPerPair) {
+  EXPECT_TRUE(Validation().empty());
+  a->SetPropValue("AssemblyFileName", "");
+  options->SetDevEnv2008Location(dir.Path() + "/Elsewhere");
+  EXPECT_EQ(
+      Validation(),
+      (std::vector<std::string>{
+          "VisualStudio.NET Options|MSTest.exe not found in Visual Studio.NET 2008 directory.|options",
+          "Assembly Filename|Assembly Filename is blank"}));
+  options->SetDevEnv2008Location("");
+  a->SetPropValue("UseMetadataFile", "True");
+  EXPECT_EQ(Validation(), (std::vector<std::string>{
+                              "VisualStudio.NET Options|Path to Visual Studio.NET 2008 not set|options",
+                              "Metadata File|A metadata file must be specified."}));
+  a->SetPropValue("MetadataFile", "x.vsmdi");
+  a->SetPropValue("UseStandaloneMSTest", "True");
+  EXPECT_EQ(Validation(),
+            (std::vector<std::string>{"Standalone MSTest Path|No path to a standalone MSTest "
+                                      "installation was found|options"}));
+  options->SetStandaloneMSTestDir(dir.Path());
+  EXPECT_EQ(Validation(),
+            (std::vector<std::string>{"Standalone MSTest Path|MSTest.exe not found in \"" +
+                                      dir.Path() + "\"|options"}));
+}
+
+}  // namespace
