@@ -131,10 +131,15 @@ struct Log {
   }
 };
 
-bool HaveXbuild() {
-  return RunCommand("command -v xbuild").exitCode == 0 &&
-         fs::exists(kBin + "/Quorvex.MSBuild.Tasks.dll");
-}
+// The launcher folder of each engine, and whether the engine and its logger are here.
+struct Engine {
+  std::string name, launcher, logger;
+  bool Present() const {
+    return RunCommand("command -v " + name).exitCode == 0 && fs::exists(logger);
+  }
+};
+const Engine kXBuild{"xbuild", kBin + "/mono", kBin + "/Quorvex.MSBuild.Tasks.dll"};
+const Engine kDotNet{"dotnet", kBin + "/dotnet", kBin + "/dotnet/Quorvex.MSBuild.Tasks.dll"};
 
 // ---- devenv stand-in ------------------------------------------------------------------------
 
@@ -268,12 +273,16 @@ TEST(DevEnv, TerminationStopsTheCompilerAndItsChildren) {
   EXPECT_TRUE(qvtest::ProcessEnds(child)) << "the compiler's own children are stopped too";
 }
 
-// ---- MSBuild with Mono's xbuild ----------------------------------------------------------
+// ---- MSBuild with each engine: Mono's xbuild and the .NET SDK's ----------------------------
 
-class XBuild : public ::testing::Test {
+class MSBuild : public ::testing::TestWithParam<Engine> {
  protected:
   void SetUp() override {
-    if (!HaveXbuild()) GTEST_SKIP() << "xbuild or the logger assembly is not installed";
+    if (!GetParam().Present()) GTEST_SKIP() << GetParam().name << " or its logger is not here";
+  }
+  bool DotNet() const { return GetParam().name == "dotnet"; }
+  qvtest::CommandResult Exec(const std::vector<std::string>& props) const {
+    return s.Exec(props, GetParam().launcher);
   }
   Session s;
   std::string Sln() const { return s.samples + "/vs2008/Greeting.sln"; }
@@ -293,8 +302,8 @@ class XBuild : public ::testing::Test {
   }
 };
 
-TEST_F(XBuild, BuildsTheWholeSolution) {
-  auto r = s.Exec(Base());
+TEST_P(MSBuild, BuildsTheWholeSolution) {
+  auto r = Exec(Base());
   ASSERT_EQ(r.exitCode, 0) << r.out << r.err;
   EXPECT_TRUE(fs::exists(s.samples + "/vs2008/Greeting.Lib/bin/Release/Greeting.Lib.dll"));
   EXPECT_TRUE(fs::exists(s.samples + "/vs2008/Greeting.Console/bin/Release/Greeting.Console.exe"));
@@ -306,8 +315,8 @@ TEST_F(XBuild, BuildsTheWholeSolution) {
       << r.out;
 }
 
-TEST_F(XBuild, SelectedProjectsInDependencyOrderAndRebuild) {
-  auto r = s.Exec(
+TEST_P(MSBuild, SelectedProjectsInDependencyOrderAndRebuild) {
+  auto r = Exec(
       With(Base(), {"BuildType=btSelectedProjects",
                     "SelectedProjects=Greeting.Console\\nGreeting.Lib", "BuildAction=baRebuild"}));
   ASSERT_EQ(r.exitCode, 0) << r.out << r.err;
@@ -322,9 +331,9 @@ TEST_F(XBuild, SelectedProjectsInDependencyOrderAndRebuild) {
   EXPECT_TRUE(fs::exists(s.samples + "/vs2008/Greeting.Console/bin/Release/Greeting.Console.exe"));
 }
 
-TEST_F(XBuild, CompileErrorsFailTheActionWithTheirPosition) {
+TEST_P(MSBuild, CompileErrorsFailTheActionWithTheirPosition) {
   AddToGreeter("    public static int Broken() { return missingName; }\r\n");
-  auto r = s.Exec(Base());
+  auto r = Exec(Base());
   EXPECT_EQ(r.exitCode, 1);
   Log log(r.out);
   bool found = false;
@@ -335,9 +344,9 @@ TEST_F(XBuild, CompileErrorsFailTheActionWithTheirPosition) {
   EXPECT_EQ(log.Metrics()["Compiler.Errors"], "1");
 }
 
-TEST_F(XBuild, BadWarningListFailsWithTheExactMessage) {
-  auto r = s.Exec(With(Base(), {"OverrideWarnings=True", "SelectedWarningsAsErrors=True",
-                                "WarningsAsErrors=CS1591"}));
+TEST_P(MSBuild, BadWarningListFailsWithTheExactMessage) {
+  auto r = Exec(With(Base(), {"OverrideWarnings=True", "SelectedWarningsAsErrors=True",
+                              "WarningsAsErrors=CS1591"}));
   EXPECT_EQ(r.exitCode, 1);
   EXPECT_TRUE(
       Log(r.out).Has("[3] Warnings As Errors list \"CS1591\" is not valid. Only warning "
@@ -345,11 +354,11 @@ TEST_F(XBuild, BadWarningListFailsWithTheExactMessage) {
       << r.out;
 }
 
-TEST_F(XBuild, QuotedValuesReachTheCompilerIntact) {
+TEST_P(MSBuild, QuotedValuesReachTheCompilerIntact) {
   auto r =
-      s.Exec(With(Base(), {"OverrideCompiler=True", "CompilerConstants=EXTRA", "DebugConstant=True",
-                           "TraceConstant=True", "BuildType=btSelectedProjects",
-                           "SelectedProjects=Greeting.Console"}));
+      Exec(With(Base(), {"OverrideCompiler=True", "CompilerConstants=EXTRA", "DebugConstant=True",
+                         "TraceConstant=True", "BuildType=btSelectedProjects",
+                         "SelectedProjects=Greeting.Console"}));
   ASSERT_EQ(r.exitCode, 0) << r.out << r.err;
   auto run =
       RunCommand("mono " + ShellQuote(s.samples +
@@ -357,21 +366,21 @@ TEST_F(XBuild, QuotedValuesReachTheCompilerIntact) {
   EXPECT_NE(run.out.find("DEBUG=on TRACE=on EXTRA=on"), std::string::npos) << run.out;
 }
 
-TEST_F(XBuild, DisabledWarningsAreSilenced) {
+TEST_P(MSBuild, DisabledWarningsAreSilenced) {
   AddToGreeter(
       "    private int unusedField;\r\n"
       "    public static void Noisy() { int assigned = 1; }\r\n");
-  auto r = s.Exec(Base());
+  auto r = Exec(Base());
   ASSERT_EQ(r.exitCode, 0) << r.out;
   EXPECT_EQ(Log(r.out).Metrics()["Compiler.Warnings"], "2") << r.out;
-  r = s.Exec(With(Base(), {"BuildAction=baRebuild", "OverrideWarnings=True",
-                           "DisableSelectedWarnings=True", "DisableWarnings=0169;0219"}));
+  r = Exec(With(Base(), {"BuildAction=baRebuild", "OverrideWarnings=True",
+                         "DisableSelectedWarnings=True", "DisableWarnings=0169;0219"}));
   ASSERT_EQ(r.exitCode, 0) << r.out;
   EXPECT_EQ(Log(r.out).Metrics()["Compiler.Warnings"], "0") << r.out;
 }
 
-TEST_F(XBuild, TheDemoBuildProcessRuns) {
-  auto r = RunCommand(s.Qvhost(kBin + "/mono") + " run " +
+TEST_P(MSBuild, TheDemoBuildProcessRuns) {
+  auto r = RunCommand(s.Qvhost(GetParam().launcher) + " run " +
                       ShellQuote(std::string(QV_EXAMPLES_DIR) + "/demo/Greeting.qvproj") +
                       " --var DEMO=" + ShellQuote(s.samples));
   ASSERT_EQ(r.exitCode, 0) << r.out << r.err;
@@ -380,5 +389,8 @@ TEST_F(XBuild, TheDemoBuildProcessRuns) {
   EXPECT_NE(run.out.find("DEBUG=on TRACE=on EXTRA=on"), std::string::npos) << run.out;
   EXPECT_TRUE(fs::exists(s.samples + "/vs2008/Greeting.Console/bin/Release/Greeting.Console.exe"));
 }
+
+INSTANTIATE_TEST_SUITE_P(Engines, MSBuild, ::testing::Values(kXBuild, kDotNet),
+                         [](const auto& info) { return info.param.name; });
 
 }  // namespace
