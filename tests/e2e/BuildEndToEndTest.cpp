@@ -62,7 +62,8 @@ struct Session {
            " QV_KEY_FILE=" + ShellQuote(dir.File("key")) + " " + kQvhost +
            " --no-default-packages --package " + ShellQuote(kBin + "/QvVisualStudioDotNet.qvp") +
            " --options " + ShellQuote(dir.File("options.xml")) +
-           " --log-format jsonl --framework v3.5=" + ShellQuote(framework);
+           " --log-format jsonl --framework v3.5=" + ShellQuote(framework) +
+           " --framework v2.0=" + ShellQuote(framework);
   }
 
   std::string Command(const std::string& framework, const std::vector<std::string>& props) const {
@@ -123,6 +124,22 @@ struct Log {
       if (e.at("event") == "groupStart") r.push_back(e.at("title"));
     return r;
   }
+  // Each project group with everything inside it, sorted: the same in any build order.
+  std::vector<std::string> ProjectGroups() const {
+    std::vector<std::string> blocks;
+    int depth = 0;
+    for (const auto& e : events) {
+      const std::string& kind = e.at("event");
+      if (depth == 0 && !(kind == "groupStart" && e.at("title").rfind("Project ", 0) == 0))
+        continue;
+      if (depth == 0) blocks.emplace_back();
+      if (kind == "groupStart") ++depth, blocks.back() += "> " + e.at("title") + "\n";
+      if (kind == "message") blocks.back() += "[" + e.at("tag") + "] " + e.at("text") + "\n";
+      if (kind == "groupEnd") --depth, blocks.back() += "< " + e.at("tag") + "\n";
+    }
+    std::sort(blocks.begin(), blocks.end());
+    return blocks;
+  }
   std::map<std::string, std::string> Metrics() const {
     std::map<std::string, std::string> r;
     for (const auto& e : events)
@@ -138,6 +155,9 @@ struct Engine {
     return RunCommand("command -v " + name).exitCode == 0 && fs::exists(logger);
   }
 };
+void PrintTo(const Engine& engine, std::ostream* out) {
+  *out << engine.name;
+}
 const Engine kXBuild{"xbuild", kBin + "/mono", kBin + "/Quorvex.MSBuild.Tasks.dll"};
 const Engine kDotNet{"dotnet", kBin + "/dotnet", kBin + "/dotnet/Quorvex.MSBuild.Tasks.dll"};
 
@@ -388,6 +408,100 @@ TEST_P(MSBuild, TheDemoBuildProcessRuns) {
       "mono " + ShellQuote(s.samples + "/vs2008/Greeting.Console/bin/Debug/Greeting.Console.exe"));
   EXPECT_NE(run.out.find("DEBUG=on TRACE=on EXTRA=on"), std::string::npos) << run.out;
   EXPECT_TRUE(fs::exists(s.samples + "/vs2008/Greeting.Console/bin/Release/Greeting.Console.exe"));
+}
+
+// Four independent projects that each take a moment to compile and warn once (CS0219).
+std::string WriteFourProjects(const TempDir& dir) {
+  std::string sln =
+      "\xEF\xBB\xBF\r\nMicrosoft Visual Studio Solution File, Format Version 10.00\r\n"
+      "# Visual Studio 2008\r\n";
+  std::string configs;
+  for (char n = '1'; n <= '4'; ++n) {
+    std::string name = std::string("Part") + n;
+    std::string guid = std::string("{6A1E0C3") + n + "-0000-4000-8000-00000000000" + n + "}";
+    sln += "Project(\"{FAE04EC0-301F-11D3-BF4B-00C04F79EFBC}\") = \"" + name + "\", \"" + name +
+           "\\" + name + ".csproj\", \"" + guid + "\"\r\nEndProject\r\n";
+    configs += "\t\t" + guid + ".Release|Any CPU.ActiveCfg = Release|Any CPU\r\n\t\t" + guid +
+               ".Release|Any CPU.Build.0 = Release|Any CPU\r\n";
+    dir.Write("four/" + name + "/" + name + ".csproj",
+              "<Project ToolsVersion=\"3.5\" DefaultTargets=\"Build\" "
+              "xmlns=\"http://schemas.microsoft.com/developer/msbuild/2003\">\r\n"
+              "  <PropertyGroup>\r\n    <ProjectGuid>" +
+                  guid + "</ProjectGuid>\r\n    <OutputType>Library</OutputType>\r\n" +
+                  "    <AssemblyName>" + name + "</AssemblyName>\r\n" +
+                  "    <TargetFrameworkVersion>v3.5</TargetFrameworkVersion>\r\n" +
+                  "    <OutputPath>bin\\$(Configuration)\\</OutputPath>\r\n  </PropertyGroup>\r\n" +
+                  "  <ItemGroup><Reference Include=\"System\" /><Compile Include=\"Code.cs\" />"
+                  "</ItemGroup>\r\n"
+                  "  <Import Project=\"$(MSBuildToolsPath)\\Microsoft.CSharp.targets\" />\r\n"
+                  "</Project>\r\n");
+    std::string code = "public static class " + name + "Code {\n";
+    for (int i = 0; i < 300; ++i)
+      code += "  public static int M" + std::to_string(i) + "(int x) { return x * " +
+              std::to_string(i) + " + (x > 3 ? M0(x - 1) : 1); }\n";
+    code += "  public static void Warn() { int unused = 1; }\n}\n";
+    dir.Write("four/" + name + "/Code.cs", code);
+  }
+  return dir.Write("four/Four.sln",
+                   sln +
+                       "Global\r\n\tGlobalSection(SolutionConfigurationPlatforms) = preSolution\r\n"
+                       "\t\tRelease|Any CPU = Release|Any CPU\r\n\tEndGlobalSection\r\n"
+                       "\tGlobalSection(ProjectConfigurationPlatforms) = postSolution\r\n" +
+                       configs + "\tEndGlobalSection\r\nEndGlobal\r\n");
+}
+
+TEST_P(MSBuild, ParallelBuildGivesTheGroupsOfASerialOne) {
+  std::string sln = WriteFourProjects(s.dir);
+  std::vector<std::string> props = {"Solution=" + sln, "SolutionConfiguration=Release|Any CPU",
+                                    "VStudioVersion=vs2008", "BuildAction=baRebuild"};
+  auto serial = Exec(With(props, {"MaxCPUs=1"}));
+  ASSERT_EQ(serial.exitCode, 0) << serial.out << serial.err;
+  for (char n = '1'; n <= '4'; ++n)  // so that both runs start clean
+    for (const char* out : {"/bin", "/obj"})
+      fs::remove_all(s.dir.Path() + "/four/Part" + n + out);
+  auto parallel = Exec(With(props, {"MaxCPUs=2"}));
+  ASSERT_EQ(parallel.exitCode, 0) << parallel.out << parallel.err;
+  Log one(serial.out), two(parallel.out);
+  EXPECT_EQ(one.ProjectGroups().size(), 4u) << serial.out;
+  EXPECT_EQ(two.ProjectGroups(), one.ProjectGroups());
+  EXPECT_EQ(two.Metrics()["Compiler.Warnings"], "4");
+  EXPECT_EQ(two.Metrics(), one.Metrics());
+}
+
+TEST_P(MSBuild, AProjectTheEngineCannotBuildFailsWithItsError) {
+  auto r = Exec({"Solution=" + s.samples + "/vs2005/OrderDesk.sln",
+                 "SolutionConfiguration=Debug|Win32", "VStudioVersion=vs2005",
+                 "BuildType=btSelectedProjects", "SelectedProjects=OrderNative"});
+  EXPECT_EQ(r.exitCode, 1) << r.out;
+  std::string project = s.samples + "/vs2005/OrderNative/OrderNative.vcproj";
+  std::string error =
+      DotNet() ? "[3] MSBUILD : error MSB4192: The project file \"OrderNative/OrderNative.vcproj\" "
+                 "is in the \".vcproj\" or \".dsp\" file format, which MSBuild cannot build "
+                 "directly. Please convert the project by opening it in the Visual Studio IDE or "
+                 "running the conversion tool, or,"
+               : "[3] OrderNative/OrderNative.vcproj : error : " + project + ": Project file '" +
+                     project +
+                     "' is a VS2003 project, which is not supported by xbuild. You need to "
+                     "convert it to msbuild format to build with xbuild.";
+  Log log(r.out);
+  EXPECT_TRUE(log.Has(error)) << r.out;
+  EXPECT_TRUE(log.Has("[3] MSBuild.exe returned Error code : 1")) << r.out;
+}
+
+TEST(DotNetEngine, ABrokenSdkIsNamedAndFailsTheAction) {
+  if (!kDotNet.Present()) GTEST_SKIP() << "dotnet is not here";
+  Session s;
+  std::string broken = s.dir.Write("broken/dotnet", "#!/bin/sh\necho broken >&2\nexit 3\n");
+  fs::permissions(broken, fs::perms::owner_all);
+  auto r = RunCommand("QV_DOTNET=" + ShellQuote(broken) + " " +
+                      s.Command(kDotNet.launcher, {"Solution=" + s.samples + "/vs2008/Greeting.sln",
+                                                   "SolutionConfiguration=Release|Any CPU"}));
+  EXPECT_EQ(r.exitCode, 1);
+  Log log(r.out);
+  EXPECT_TRUE(log.Has("[0] MSBuild.exe: the .NET SDK does not work: \"" + broken +
+                      " --version\" fails; set QV_DOTNET or choose --msbuild-engine xbuild\n"))
+      << r.out;
+  EXPECT_TRUE(log.Has("[3] MSBuild.exe returned Error code : 3")) << r.out;
 }
 
 INSTANTIATE_TEST_SUITE_P(Engines, MSBuild, ::testing::Values(kXBuild, kDotNet),
