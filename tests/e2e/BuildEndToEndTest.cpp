@@ -130,8 +130,8 @@ struct Log {
     int depth = 0;
     for (const auto& e : events) {
       const std::string& kind = e.at("event");
-      if (depth == 0 && !(kind == "groupStart" && e.at("title").rfind("Project ", 0) == 0))
-        continue;
+      bool project = kind == "groupStart" && e.at("title").rfind("Project ", 0) == 0;
+      if (depth == 0 && !project) continue;
       if (depth == 0) blocks.emplace_back();
       if (kind == "groupStart") ++depth, blocks.back() += "> " + e.at("title") + "\n";
       if (kind == "message") blocks.back() += "[" + e.at("tag") + "] " + e.at("text") + "\n";
@@ -155,9 +155,6 @@ struct Engine {
     return RunCommand("command -v " + name).exitCode == 0 && fs::exists(logger);
   }
 };
-void PrintTo(const Engine& engine, std::ostream* out) {
-  *out << engine.name;
-}
 const Engine kXBuild{"xbuild", kBin + "/mono", kBin + "/Quorvex.MSBuild.Tasks.dll"};
 const Engine kDotNet{"dotnet", kBin + "/dotnet", kBin + "/dotnet/Quorvex.MSBuild.Tasks.dll"};
 
@@ -410,48 +407,9 @@ TEST_P(MSBuild, TheDemoBuildProcessRuns) {
   EXPECT_TRUE(fs::exists(s.samples + "/vs2008/Greeting.Console/bin/Release/Greeting.Console.exe"));
 }
 
-// Four independent projects that each take a moment to compile and warn once (CS0219).
-std::string WriteFourProjects(const TempDir& dir) {
-  std::string sln =
-      "\xEF\xBB\xBF\r\nMicrosoft Visual Studio Solution File, Format Version 10.00\r\n"
-      "# Visual Studio 2008\r\n";
-  std::string configs;
-  for (char n = '1'; n <= '4'; ++n) {
-    std::string name = std::string("Part") + n;
-    std::string guid = std::string("{6A1E0C3") + n + "-0000-4000-8000-00000000000" + n + "}";
-    sln += "Project(\"{FAE04EC0-301F-11D3-BF4B-00C04F79EFBC}\") = \"" + name + "\", \"" + name +
-           "\\" + name + ".csproj\", \"" + guid + "\"\r\nEndProject\r\n";
-    configs += "\t\t" + guid + ".Release|Any CPU.ActiveCfg = Release|Any CPU\r\n\t\t" + guid +
-               ".Release|Any CPU.Build.0 = Release|Any CPU\r\n";
-    dir.Write("four/" + name + "/" + name + ".csproj",
-              "<Project ToolsVersion=\"3.5\" DefaultTargets=\"Build\" "
-              "xmlns=\"http://schemas.microsoft.com/developer/msbuild/2003\">\r\n"
-              "  <PropertyGroup>\r\n    <ProjectGuid>" +
-                  guid + "</ProjectGuid>\r\n    <OutputType>Library</OutputType>\r\n" +
-                  "    <AssemblyName>" + name + "</AssemblyName>\r\n" +
-                  "    <TargetFrameworkVersion>v3.5</TargetFrameworkVersion>\r\n" +
-                  "    <OutputPath>bin\\$(Configuration)\\</OutputPath>\r\n  </PropertyGroup>\r\n" +
-                  "  <ItemGroup><Reference Include=\"System\" /><Compile Include=\"Code.cs\" />"
-                  "</ItemGroup>\r\n"
-                  "  <Import Project=\"$(MSBuildToolsPath)\\Microsoft.CSharp.targets\" />\r\n"
-                  "</Project>\r\n");
-    std::string code = "public static class " + name + "Code {\n";
-    for (int i = 0; i < 300; ++i)
-      code += "  public static int M" + std::to_string(i) + "(int x) { return x * " +
-              std::to_string(i) + " + (x > 3 ? M0(x - 1) : 1); }\n";
-    code += "  public static void Warn() { int unused = 1; }\n}\n";
-    dir.Write("four/" + name + "/Code.cs", code);
-  }
-  return dir.Write("four/Four.sln",
-                   sln +
-                       "Global\r\n\tGlobalSection(SolutionConfigurationPlatforms) = preSolution\r\n"
-                       "\t\tRelease|Any CPU = Release|Any CPU\r\n\tEndGlobalSection\r\n"
-                       "\tGlobalSection(ProjectConfigurationPlatforms) = postSolution\r\n" +
-                       configs + "\tEndGlobalSection\r\nEndGlobal\r\n");
-}
-
 TEST_P(MSBuild, ParallelBuildGivesTheGroupsOfASerialOne) {
-  std::string sln = WriteFourProjects(s.dir);
+  fs::copy(kFixtures + "/parallel", s.dir.Path() + "/four", fs::copy_options::recursive);
+  std::string sln = s.dir.Path() + "/four/Four.sln";
   std::vector<std::string> props = {"Solution=" + sln, "SolutionConfiguration=Release|Any CPU",
                                     "VStudioVersion=vs2008", "BuildAction=baRebuild"};
   auto serial = Exec(With(props, {"MaxCPUs=1"}));
@@ -478,7 +436,8 @@ TEST_P(MSBuild, AProjectTheEngineCannotBuildFailsWithItsError) {
       DotNet() ? "[3] MSBUILD : error MSB4192: The project file \"OrderNative/OrderNative.vcproj\" "
                  "is in the \".vcproj\" or \".dsp\" file format, which MSBuild cannot build "
                  "directly. Please convert the project by opening it in the Visual Studio IDE or "
-                 "running the conversion tool, or,"
+                 "running the conversion tool, or, for \".vcproj\", use MSBuild to build the "
+                 "solution file containing the project instead."
                : "[3] OrderNative/OrderNative.vcproj : error : " + project + ": Project file '" +
                      project +
                      "' is a VS2003 project, which is not supported by xbuild. You need to "
@@ -486,6 +445,16 @@ TEST_P(MSBuild, AProjectTheEngineCannotBuildFailsWithItsError) {
   Log log(r.out);
   EXPECT_TRUE(log.Has(error)) << r.out;
   EXPECT_TRUE(log.Has("[3] MSBuild.exe returned Error code : 1")) << r.out;
+}
+
+TEST_P(MSBuild, BuildsVisualStudio2005VisualBasicAndCSharpProjects) {
+  if (!DotNet()) GTEST_SKIP() << "Mono's Visual Basic compiler is not packaged here";
+  auto r = Exec({"Solution=" + s.samples + "/vs2005/OrderDesk.sln",
+                 "SolutionConfiguration=Debug|Mixed Platforms", "VStudioVersion=vs2005",
+                 "BuildType=btSelectedProjects", "SelectedProjects=OrderTool"});
+  ASSERT_EQ(r.exitCode, 0) << r.out << r.err;
+  EXPECT_TRUE(fs::exists(s.samples + "/vs2005/Orders.Core/bin/Debug/Orders.Core.dll"));
+  EXPECT_TRUE(fs::exists(s.samples + "/vs2005/OrderTool/bin/Debug/OrderTool.exe"));
 }
 
 TEST(DotNetEngine, ABrokenSdkIsNamedAndFailsTheAction) {
