@@ -155,6 +155,9 @@ struct Engine {
     return RunCommand("command -v " + name).exitCode == 0 && fs::exists(logger);
   }
 };
+void PrintTo(const Engine& engine, std::ostream* out) {
+  *out << engine.name;
+}
 const Engine kXBuild{"xbuild", kBin + "/mono", kBin + "/Quorvex.MSBuild.Tasks.dll"};
 const Engine kDotNet{"dotnet", kBin + "/dotnet", kBin + "/dotnet/Quorvex.MSBuild.Tasks.dll"};
 
