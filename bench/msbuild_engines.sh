@@ -19,8 +19,6 @@ export XDG_CONFIG_HOME=$work QV_KEY_FILE=$work/key
 now() { date +%s.%N; }
 median() { sort -n | awk '{ v[NR] = $1 } END { print v[int((NR + 1) / 2)] }'; }
 
-# The switches the build action passes (see the "Running ... with parameters" log line).
-args=(/t:Rebuild "/p:Configuration=Release;Platform=Any CPU" /v:normal /m "$sln")
 
 qvhost_run() { # ENGINE_FOLDER
   "$bin/qvhost" --no-default-packages --package "$bin/QvVisualStudioDotNet.qvp" \
@@ -52,7 +50,9 @@ bench() { # NAME ENGINE_FOLDER LOGGER DIRECT_COMMAND...
     "$name" "$h" "$d" "$(awk "BEGIN { print ($h - $d) * 100 / $d }")" "$runs"
 }
 
-echo "Rebuild of examples/vs2008/Greeting.sln, ${args[*]}"
+# The switches the build action passes (its "Running ... with parameters" log line).
+echo "Rebuild of examples/vs2008/Greeting.sln: /t:Rebuild /logger:LOGGER /noconlog" \
+  "\"/p:Configuration=Release;Platform=Any CPU\" /v:normal /m"
 if command -v dotnet >/dev/null && [ -f "$bin/dotnet/Quorvex.MSBuild.Tasks.dll" ]; then
   # What the launcher adds, so that the direct run builds the same legacy projects.
   bench dotnet "$bin/dotnet" "$bin/dotnet/Quorvex.MSBuild.Tasks.dll" \
