@@ -37,11 +37,39 @@ qv::IntfPtr<qv::IQvDotNetFramework> THostDotNetInfo::GetFramework(const std::str
   return nullptr;
 }
 
-std::string MonoLauncherFolder(const std::string& hostFolder) {
-  std::string folder = qv::IncludeTrailingPathDelimiter(hostFolder) + "mono";
-  const char* xbuild = std::getenv("QV_XBUILD");
-  bool installed = !platform::FindProgram(xbuild && *xbuild ? xbuild : "xbuild").empty();
-  return installed && qv::platform::FileExists(folder + "/MSBuild.exe") ? folder : "";
+bool ParseMSBuildEngine(const std::string& name, TMSBuildEngine& engine) {
+  static const std::pair<const char*, TMSBuildEngine> kNames[] = {
+      {"auto", TMSBuildEngine::Auto},
+      {"dotnet", TMSBuildEngine::DotNet},
+      {"xbuild", TMSBuildEngine::XBuild}};
+  for (const auto& [text, value] : kNames)
+    if (qv::SameText(name, text)) {
+      engine = value;
+      return true;
+    }
+  return false;
+}
+
+std::string MSBuildLauncherFolder(const std::string& hostFolder, TMSBuildEngine engine) {
+  auto launcher = [&hostFolder](const char* name) {
+    std::string folder = qv::IncludeTrailingPathDelimiter(hostFolder) + name;
+    return qv::platform::FileExists(folder + "/MSBuild.exe") ? folder : std::string();
+  };
+  auto installed = [](const char* variable, const char* program) {
+    const char* named = std::getenv(variable);
+    return !platform::FindProgram(named && *named ? named : program).empty();
+  };
+  switch (engine) {
+    case TMSBuildEngine::DotNet:
+      return launcher("dotnet");
+    case TMSBuildEngine::XBuild:
+      return launcher("mono");
+    case TMSBuildEngine::Auto:
+      break;
+  }
+  std::string dotnet = installed("QV_DOTNET", "dotnet") ? launcher("dotnet") : "";
+  if (!dotnet.empty()) return dotnet;
+  return installed("QV_XBUILD", "xbuild") ? launcher("mono") : "";
 }
 
 }  // namespace qvhost

@@ -26,8 +26,16 @@ class THostDotNetInfo : public qv::IQvDotNetInfo {
   std::string FFallback;
 };
 
-// The folder of the MSBuild.exe launcher for Mono ("mono" in `hostFolder`) when it is there and
-// xbuild is installed ($QV_XBUILD, or xbuild on PATH); empty otherwise.
-std::string MonoLauncherFolder(const std::string& hostFolder);
+// The MSBuild engine behind the MSBuild.exe launcher offered for v2.0 and v3.5.
+enum class TMSBuildEngine { Auto, DotNet, XBuild };
+
+// The engine named "auto", "dotnet" or "xbuild" (any letter case); false for other names.
+bool ParseMSBuildEngine(const std::string& name, TMSBuildEngine& engine);
+
+// The folder of the MSBuild.exe launcher for `engine` in `hostFolder` ("dotnet" runs the .NET
+// SDK's `dotnet msbuild`, "mono" runs xbuild), or empty. A chosen engine is offered wherever
+// its launcher is, so that a missing tool is reported by the launcher; Auto takes the .NET
+// SDK where it is found ($QV_DOTNET, or dotnet on PATH), else xbuild ($QV_XBUILD, or xbuild).
+std::string MSBuildLauncherFolder(const std::string& hostFolder, TMSBuildEngine engine);
 
 }  // namespace qvhost

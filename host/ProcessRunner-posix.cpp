@@ -172,6 +172,7 @@ int THostProcess::Run() {
       pid, out.Read.Fd, err.Read.Fd,
       [this](bool stdErr, std::string_view chunk) { Deliver(stdErr, chunk); },
       [this] { return TerminateRequested(); });
+  FlushTails();
   if (!wait) {
     FExitCode = qv::kTerminatedExitCode;
     return FExitCode;

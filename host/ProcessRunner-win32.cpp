@@ -81,11 +81,13 @@ int THostProcess::Run() {
     if (TerminateRequested()) {
       TerminateJobObject(job.H, qv::kTerminatedExitCode);
       WaitForSingleObject(pi.hProcess, INFINITE);
+      FlushTails();
       FExitCode = qv::kTerminatedExitCode;
       return FExitCode;
     }
     if (!running) break;
   }
+  FlushTails();
   DWORD code = 0;
   GetExitCodeProcess(pi.hProcess, &code);
   FExitCode = static_cast<int>(code);

@@ -29,8 +29,11 @@ class THostProcess : public qv::TInterfacedObject, public qv::IQvProcess {
 
  protected:
   void* GetInterface(const qv::TGUID& iid) override;
-  // Hands a chunk of output to the handler (when output is captured and a handler is set).
+  // Hands output to the handler (when output is captured and a handler is set) in chunks
+  // that end at a line end; the unfinished last line waits for the next chunk.
   void Deliver(bool stdErr, std::string_view chunk);
+  // Hands over the unfinished last lines; call once the streams have ended.
+  void FlushTails();
   bool TerminateRequested() { return FTerminate && FTerminate->TryWait(); }
 
   std::string FExecutable, FParameters, FStartingDir;
@@ -40,6 +43,7 @@ class THostProcess : public qv::TInterfacedObject, public qv::IQvProcess {
   qv::IQvProcessOutputHandler* FHandler = nullptr;
   int FExitCode = 0;
   bool FCleanExit = false;
+  std::string FTails[2];  // standard output's and error's unfinished last line
 };
 
 // A new process object for an action.

@@ -33,6 +33,7 @@ struct TCommandLine {
   qvhost::THostSettings Settings;
   std::vector<std::string> Vars, Frameworks;
   std::string LogFormat = "text";
+  std::string MSBuildEngine = "auto";
   bool NoColour = false, NoDefaultPackages = false;
   std::string Project, Type;
   std::vector<std::string> Assignments;
@@ -67,6 +68,10 @@ void AddGlobalOptions(CLI::App& app, TCommandLine& cl) {
   app.add_option("--framework", cl.Frameworks, "Where a .NET framework version is installed")
       ->type_name("VERSION=FOLDER")
       ->allow_extra_args(false);
+  app.add_option("--msbuild-engine", cl.MSBuildEngine,
+                 "MSBuild.exe for v2.0 and v3.5: the .NET SDK's (dotnet), Mono's xbuild, or "
+                 "dotnet where installed (auto)")
+      ->check(CLI::IsMember({"auto", "dotnet", "xbuild"}, CLI::ignore_case));
 }
 
 int Run(CLI::App& app, TCommandLine& cl) {
@@ -78,8 +83,10 @@ int Run(CLI::App& app, TCommandLine& cl) {
     return qvhost::kExitBadInput;
   }
   s.DefaultPackages = !cl.NoDefaultPackages;
+  qvhost::TMSBuildEngine engine = qvhost::TMSBuildEngine::Auto;
+  qvhost::ParseMSBuildEngine(cl.MSBuildEngine, engine);
   s.FallbackFramework =
-      qvhost::MonoLauncherFolder(qv::ExtractFileDir(qv::platform::ExecutablePath()));
+      qvhost::MSBuildLauncherFolder(qv::ExtractFileDir(qv::platform::ExecutablePath()), engine);
   s.LogFormat = cl.LogFormat == "jsonl" ? qvhost::TLogFormat::JsonLines : qvhost::TLogFormat::Text;
   s.Colour = s.LogFormat == qvhost::TLogFormat::Text && qvhost::UseColour(cl.NoColour);
   try {

@@ -11,7 +11,7 @@ namespace qv {
 namespace {
 
 constexpr std::string_view kTag = "@@qv:";
-constexpr size_t kMaxFields = 8;  // kind + the seven fields of an error
+constexpr size_t kMaxFields = 9;  // kind + the seven fields of an error + its instance
 
 // The tab-separated fields of a tagged line, still escaped; absent fields read as empty.
 struct TFields {
@@ -205,6 +205,13 @@ bool IsInternalTargetList(std::string_view targets) {
   return any;
 }
 
+// A project instance field; false when absent (an older logger, or xbuild, which has none).
+bool ParseInstance(std::string_view field, int& id) {
+  if (field.empty()) return false;
+  auto [end, ec] = std::from_chars(field.data(), field.data() + field.size(), id);
+  return ec == std::errc() && end == field.data() + field.size() && id >= 0;
+}
+
 }  // namespace
 
 TQvMSBuildStructuredOutputHelper::TQvMSBuildStructuredOutputHelper(TCustomQvAction* owner)
@@ -216,6 +223,8 @@ void TQvMSBuildStructuredOutputHelper::Start(std::string_view solutionFileName, 
   FLoggerSeen = false;
   FErrorCount = FWarningCount = FRunErrors = FRunWarnings = 0;
   FProjects.clear();
+  FInstances.clear();
+  FOutermost.clear();
 }
 
 void TQvMSBuildStructuredOutputHelper::ProcessLine(std::string_view line) {
@@ -236,20 +245,102 @@ void TQvMSBuildStructuredOutputHelper::Finish() {
 void TQvMSBuildStructuredOutputHelper::ProcessTagged(std::string_view kindAndFields) {
   TFields f = SplitFields(kindAndFields);
   std::string_view kind = f[0];
+  int id = -1;
   if (kind == "projectStarted") {
-    ProjectStarted(f[1], f[2]);
+    if (!InstanceStarted(f[1], f[2], f[3], f[4])) ProjectStarted(f[1], f[2]);
   } else if (kind == "projectFinished") {
-    ProjectFinished(f[1], f[2] == "True");
+    if (ParseInstance(f[3], id) && FInstances.count(id) != 0)
+      InstanceFinished(id, f[2] == "True");
+    else
+      ProjectFinished(f[1], f[2] == "True");
   } else if (kind == "error" || kind == "warning") {
-    Diagnostic(kind == "error", f[1], f[2], f[3], f[4], f[5], f[6]);
+    if (!ParseInstance(f[7], id)) id = -1;
+    Diagnostic(kind == "error", f[1], f[2], f[3], f[4], f[5], f[6], id);
   } else if (kind == "message") {
     if (f[2].empty()) return;
+    if (!ParseInstance(f[3], id)) id = -1;
     FText.clear();
     AppendUnescaped(FText, f[2]);
-    FOwner->SendMessage(FText, TStatusTag::Plain);
+    Send(id, FText, static_cast<int>(TStatusTag::Plain));
   } else if (kind == "buildFinished") {
     CloseAll(f[1] != "True");
   }
+}
+
+bool TQvMSBuildStructuredOutputHelper::InstanceStarted(std::string_view file,
+                                                       std::string_view targets,
+                                                       std::string_view idField,
+                                                       std::string_view parentField) {
+  int id = 0, parent = -1;
+  if (!ParseInstance(idField, id)) return false;
+  if (!ParseInstance(parentField, parent)) parent = -1;
+  TInstance instance;
+  AppendUnescaped(instance.file, file);
+  instance.grouped = OpensGroup(instance.file, targets);
+  instance.parent = parent;
+  auto up = FInstances.find(parent);
+  // A project started by one that still collects its lines is logged in its place there.
+  instance.buffered = up != FInstances.end() && (up->second.grouped || up->second.buffered);
+  if (instance.buffered)
+    up->second.entries.push_back({std::string(), 0, id});
+  else if (instance.grouped)
+    FOutermost.push_back(id);
+  FInstances[id] = std::move(instance);
+  return true;
+}
+
+void TQvMSBuildStructuredOutputHelper::InstanceFinished(int id, bool succeeded) {
+  TInstance& instance = FInstances[id];
+  instance.finished = true;
+  instance.succeeded = succeeded;
+  if (instance.buffered) return;  // logged with the group it waits in
+  if (instance.grouped) {
+    std::erase(FOutermost, id);
+    LogInstance(id, true);
+  } else {
+    FInstances.erase(id);  // its lines went out as they came
+  }
+}
+
+void TQvMSBuildStructuredOutputHelper::Send(int id, const std::string& text, int tag) {
+  auto it = FInstances.find(id);
+  if (it != FInstances.end() && (it->second.grouped || it->second.buffered))
+    it->second.entries.push_back({text, tag, -1});
+  else
+    FOwner->SendMessage(text, static_cast<TStatusTag>(tag));
+}
+
+void TQvMSBuildStructuredOutputHelper::LogInstance(int id, bool failedIfOpen) {
+  auto it = FInstances.find(id);
+  if (it == FInstances.end()) return;
+  TInstance instance = std::move(it->second);
+  FInstances.erase(it);
+  if (instance.grouped)
+    FOwner->StartMessageGroup("Project " + std::string(FileNameOf(instance.file)), 0,
+                              TStatusTag::Plain);
+  for (const TEntry& e : instance.entries) {
+    if (e.child >= 0)
+      LogInstance(e.child, false);
+    else
+      FOwner->SendMessage(e.text, static_cast<TStatusTag>(e.tag));
+  }
+  if (!instance.grouped) return;
+  // As without instances: a project inside another that never finished closes untagged.
+  if (instance.finished)
+    FOwner->EndMessageGroup(instance.succeeded ? TStatusTag::Success : TStatusTag::Error);
+  else if (failedIfOpen)
+    FOwner->EndMessageGroup(TStatusTag::Error);
+  else
+    FOwner->EndMessageGroup();
+}
+
+std::string TQvMSBuildStructuredOutputHelper::GroupFileOf(int id) const {
+  for (auto it = FInstances.find(id); it != FInstances.end();
+       it = FInstances.find(it->second.parent)) {
+    if (it->second.grouped) return it->second.file;
+    if (!it->second.buffered) break;
+  }
+  return std::string();
 }
 
 bool TQvMSBuildStructuredOutputHelper::OpensGroup(std::string_view file,
@@ -292,7 +383,7 @@ void TQvMSBuildStructuredOutputHelper::ProjectFinished(std::string_view file, bo
 void TQvMSBuildStructuredOutputHelper::Diagnostic(bool error, std::string_view project,
                                                   std::string_view file, std::string_view line,
                                                   std::string_view column, std::string_view code,
-                                                  std::string_view message) {
+                                                  std::string_view message, int instance) {
   ++(error ? FErrorCount : FWarningCount);
   FText.clear();
   if (file.empty()) {
@@ -320,15 +411,19 @@ void TQvMSBuildStructuredOutputHelper::Diagnostic(bool error, std::string_view p
   // Name the project when neither the open group nor the file already says which it is.
   FField.clear();
   AppendUnescaped(FField, project);
-  const TProject* group = nullptr;
-  for (size_t i = FProjects.size(); i > 0 && !group; --i)
-    if (FProjects[i - 1].grouped) group = &FProjects[i - 1];
-  if (!FField.empty() && (!group || group->file != FField) && project != file) {
+  std::string groupFile;
+  if (FInstances.count(instance) != 0) {
+    groupFile = GroupFileOf(instance);
+  } else {
+    for (size_t i = FProjects.size(); i > 0 && groupFile.empty(); --i)
+      if (FProjects[i - 1].grouped) groupFile = FProjects[i - 1].file;
+  }
+  if (!FField.empty() && groupFile != FField && project != file) {
     FText += " [";
     FText += FField;
     FText += ']';
   }
-  FOwner->SendMessage(FText, error ? TStatusTag::Error : TStatusTag::Warning);
+  Send(instance, FText, static_cast<int>(error ? TStatusTag::Error : TStatusTag::Warning));
 }
 
 void TQvMSBuildStructuredOutputHelper::ProcessConsoleLine(std::string_view line) {
@@ -365,6 +460,9 @@ void TQvMSBuildStructuredOutputHelper::ProcessConsoleLine(std::string_view line)
 }
 
 void TQvMSBuildStructuredOutputHelper::CloseAll(bool failed) {
+  for (int id : std::exchange(FOutermost, {}))
+    LogInstance(id, failed);
+  FInstances.clear();
   while (!FProjects.empty()) {
     if (FProjects.back().grouped) {
       if (failed)

@@ -13,7 +13,10 @@
 //   @@qv:message\t<High|Normal|Low>\t<text>
 //   @@qv:buildFinished\t<True|False>
 //
-// Unknown kinds are ignored and missing fields read as empty, so the logger may grow.
+// A logger that knows the project instance of each event (MSBuild's project context id)
+// appends it: projectStarted gets <instance>\t<parent instance>, projectFinished, error,
+// warning and message get <instance>. Unknown kinds are ignored and missing fields read as empty,
+// so the logger may grow.
 //
 // How tagged lines are logged:
 // - projectStarted opens the group "Project " + the project file's name (group type 0,
@@ -26,6 +29,10 @@
 //   " [projectFile]" behind when the project that raised it is not the open group's; each
 //   counts once.
 // - message logs its text plain; buildFinished closes groups left open.
+// - With instances (multi-processor builds report several projects interleaved), every line
+//   goes into the group of the project instance that reported it: a project's lines and the
+//   projects it starts wait until the outermost project with a group finishes, then go out
+//   as that group, so a /m build gives the same groups, lines and counts as a /m:1 build.
 //
 // Untagged lines (no logger, or xbuild's own banner) are logged as received, blank lines
 // skipped: a canonical "origin: error CODE: text" line with tag 3, a warning with tag 2, the
@@ -36,6 +43,7 @@
 // summary line with a count above 0 is logged with tag 2 or 3.
 #pragma once
 
+#include <map>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -67,13 +75,38 @@ class TQvMSBuildStructuredOutputHelper {
     bool grouped;  // opened a log group
   };
 
+  // A buffered line, or (child >= 0) the place of a project started there.
+  struct TEntry {
+    std::string text;
+    int tag;
+    int child;
+  };
+  // A project instance of a build that names instances.
+  struct TInstance {
+    std::string file;
+    bool grouped;
+    int parent;
+    bool finished = false;
+    bool succeeded = false;
+    bool buffered = false;  // inside a grouped instance that has not been logged yet
+    std::vector<TEntry> entries;
+  };
+
   void ProcessTagged(std::string_view kindAndFields);
+  bool InstanceStarted(std::string_view file, std::string_view targets, std::string_view id,
+                       std::string_view parent);
+  void InstanceFinished(int id, bool succeeded);
+  // Logs `text` now, or into the buffer of instance `id` when it waits inside a group.
+  void Send(int id, const std::string& text, int tag);
+  void LogInstance(int id, bool closeFailed);
+  // The file of the group a line of `id` lands in ("" for none).
+  std::string GroupFileOf(int id) const;
   void ProcessConsoleLine(std::string_view line);
   void ProjectStarted(std::string_view file, std::string_view targets);
   void ProjectFinished(std::string_view file, bool succeeded);
   void Diagnostic(bool error, std::string_view project, std::string_view file,
                   std::string_view line, std::string_view column, std::string_view code,
-                  std::string_view message);
+                  std::string_view message, int instance);
   void CloseAll(bool failed);
   bool OpensGroup(std::string_view file, std::string_view targets) const;
 
@@ -86,6 +119,8 @@ class TQvMSBuildStructuredOutputHelper {
   int FRunErrors = 0;  // console diagnostics since the last summary line
   int FRunWarnings = 0;
   std::vector<TProject> FProjects;
+  std::map<int, TInstance> FInstances;
+  std::vector<int> FOutermost;  // grouped instances outside any other group, in start order
   // Scratch buffers reused from line to line.
   std::string FText, FField;
 };

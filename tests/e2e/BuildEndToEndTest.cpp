@@ -63,7 +63,8 @@ struct Session {
            " QV_KEY_FILE=" + ShellQuote(dir.File("key")) + " " + kQvhost +
            " --no-default-packages --package " + ShellQuote(kBin + "/QvVisualStudioDotNet.qvp") +
            " --options " + ShellQuote(dir.File("options.xml")) +
-           " --log-format jsonl --framework v3.5=" + ShellQuote(framework);
+           " --log-format jsonl --framework v3.5=" + ShellQuote(framework) +
+           " --framework v2.0=" + ShellQuote(framework);
   }
 
   std::string Command(const std::string& framework, const std::vector<std::string>& props) const {
@@ -124,6 +125,22 @@ struct Log {
       if (e.at("event") == "groupStart") r.push_back(e.at("title"));
     return r;
   }
+  // Each project group with everything inside it, sorted: the same in any build order.
+  std::vector<std::string> ProjectGroups() const {
+    std::vector<std::string> blocks;
+    int depth = 0;
+    for (const auto& e : events) {
+      const std::string& kind = e.at("event");
+      bool project = kind == "groupStart" && e.at("title").rfind("Project ", 0) == 0;
+      if (depth == 0 && !project) continue;
+      if (depth == 0) blocks.emplace_back();
+      if (kind == "groupStart") ++depth, blocks.back() += "> " + e.at("title") + "\n";
+      if (kind == "message") blocks.back() += "[" + e.at("tag") + "] " + e.at("text") + "\n";
+      if (kind == "groupEnd") --depth, blocks.back() += "< " + e.at("tag") + "\n";
+    }
+    std::sort(blocks.begin(), blocks.end());
+    return blocks;
+  }
   std::map<std::string, std::string> Metrics() const {
     std::map<std::string, std::string> r;
     for (const auto& e : events)
@@ -132,10 +149,18 @@ struct Log {
   }
 };
 
-bool HaveXbuild() {
-  return RunCommand("command -v xbuild").exitCode == 0 &&
-         fs::exists(kBin + "/Quorvex.MSBuild.Tasks.dll");
+// The launcher folder of each engine, and whether the engine and its logger are here.
+struct Engine {
+  std::string name, launcher, logger;
+  bool Present() const {
+    return RunCommand("command -v " + name).exitCode == 0 && fs::exists(logger);
+  }
+};
+void PrintTo(const Engine& engine, std::ostream* out) {
+  *out << engine.name;
 }
+const Engine kXBuild{"xbuild", kBin + "/mono", kBin + "/Quorvex.MSBuild.Tasks.dll"};
+const Engine kDotNet{"dotnet", kBin + "/dotnet", kBin + "/dotnet/Quorvex.MSBuild.Tasks.dll"};
 
 // ---- devenv stand-in ------------------------------------------------------------------------
 
@@ -269,12 +294,16 @@ TEST(DevEnv, TerminationStopsTheCompilerAndItsChildren) {
   EXPECT_TRUE(qvtest::ProcessEnds(child)) << "the compiler's own children are stopped too";
 }
 
-// ---- MSBuild with Mono's xbuild ----------------------------------------------------------
+// ---- MSBuild with each engine: Mono's xbuild and the .NET SDK's ----------------------------
 
-class XBuild : public ::testing::Test {
+class MSBuild : public ::testing::TestWithParam<Engine> {
  protected:
   void SetUp() override {
-    if (!HaveXbuild()) GTEST_SKIP() << "xbuild or the logger assembly is not installed";
+    if (!GetParam().Present()) GTEST_SKIP() << GetParam().name << " or its logger is not here";
+  }
+  bool DotNet() const { return GetParam().name == "dotnet"; }
+  qvtest::CommandResult Exec(const std::vector<std::string>& props) const {
+    return s.Exec(props, GetParam().launcher);
   }
   Session s;
   std::string Sln() const { return s.samples + "/vs2008/Greeting.sln"; }
@@ -294,8 +323,8 @@ class XBuild : public ::testing::Test {
   }
 };
 
-TEST_F(XBuild, BuildsTheWholeSolution) {
-  auto r = s.Exec(Base());
+TEST_P(MSBuild, BuildsTheWholeSolution) {
+  auto r = Exec(Base());
   ASSERT_EQ(r.exitCode, 0) << r.out << r.err;
   EXPECT_TRUE(fs::exists(s.samples + "/vs2008/Greeting.Lib/bin/Release/Greeting.Lib.dll"));
   EXPECT_TRUE(fs::exists(s.samples + "/vs2008/Greeting.Console/bin/Release/Greeting.Console.exe"));
@@ -307,8 +336,8 @@ TEST_F(XBuild, BuildsTheWholeSolution) {
       << r.out;
 }
 
-TEST_F(XBuild, SelectedProjectsInDependencyOrderAndRebuild) {
-  auto r = s.Exec(
+TEST_P(MSBuild, SelectedProjectsInDependencyOrderAndRebuild) {
+  auto r = Exec(
       With(Base(), {"BuildType=btSelectedProjects",
                     "SelectedProjects=Greeting.Console\\nGreeting.Lib", "BuildAction=baRebuild"}));
   ASSERT_EQ(r.exitCode, 0) << r.out << r.err;
@@ -323,9 +352,9 @@ TEST_F(XBuild, SelectedProjectsInDependencyOrderAndRebuild) {
   EXPECT_TRUE(fs::exists(s.samples + "/vs2008/Greeting.Console/bin/Release/Greeting.Console.exe"));
 }
 
-TEST_F(XBuild, CompileErrorsFailTheActionWithTheirPosition) {
+TEST_P(MSBuild, CompileErrorsFailTheActionWithTheirPosition) {
   AddToGreeter("    public static int Broken() { return missingName; }\r\n");
-  auto r = s.Exec(Base());
+  auto r = Exec(Base());
   EXPECT_EQ(r.exitCode, 1);
   Log log(r.out);
   bool found = false;
@@ -336,9 +365,9 @@ TEST_F(XBuild, CompileErrorsFailTheActionWithTheirPosition) {
   EXPECT_EQ(log.Metrics()["Compiler.Errors"], "1");
 }
 
-TEST_F(XBuild, BadWarningListFailsWithTheExactMessage) {
-  auto r = s.Exec(With(Base(), {"OverrideWarnings=True", "SelectedWarningsAsErrors=True",
-                                "WarningsAsErrors=CS1591"}));
+TEST_P(MSBuild, BadWarningListFailsWithTheExactMessage) {
+  auto r = Exec(With(Base(), {"OverrideWarnings=True", "SelectedWarningsAsErrors=True",
+                              "WarningsAsErrors=CS1591"}));
   EXPECT_EQ(r.exitCode, 1);
   EXPECT_TRUE(
       Log(r.out).Has("[3] Warnings As Errors list \"CS1591\" is not valid. Only warning "
@@ -346,11 +375,11 @@ TEST_F(XBuild, BadWarningListFailsWithTheExactMessage) {
       << r.out;
 }
 
-TEST_F(XBuild, QuotedValuesReachTheCompilerIntact) {
+TEST_P(MSBuild, QuotedValuesReachTheCompilerIntact) {
   auto r =
-      s.Exec(With(Base(), {"OverrideCompiler=True", "CompilerConstants=EXTRA", "DebugConstant=True",
-                           "TraceConstant=True", "BuildType=btSelectedProjects",
-                           "SelectedProjects=Greeting.Console"}));
+      Exec(With(Base(), {"OverrideCompiler=True", "CompilerConstants=EXTRA", "DebugConstant=True",
+                         "TraceConstant=True", "BuildType=btSelectedProjects",
+                         "SelectedProjects=Greeting.Console"}));
   ASSERT_EQ(r.exitCode, 0) << r.out << r.err;
   auto run =
       RunCommand("mono " + ShellQuote(s.samples +
@@ -358,24 +387,24 @@ TEST_F(XBuild, QuotedValuesReachTheCompilerIntact) {
   EXPECT_NE(run.out.find("DEBUG=on TRACE=on EXTRA=on"), std::string::npos) << run.out;
 }
 
-TEST_F(XBuild, DisabledWarningsAreSilenced) {
+TEST_P(MSBuild, DisabledWarningsAreSilenced) {
   AddToGreeter(
       "    private int unusedField;\r\n"
       "    public static void Noisy() { int assigned = 1; }\r\n");
-  auto r = s.Exec(Base());
+  auto r = Exec(Base());
   ASSERT_EQ(r.exitCode, 0) << r.out;
   EXPECT_EQ(Log(r.out).Metrics()["Compiler.Warnings"], "2") << r.out;
-  r = s.Exec(With(Base(), {"BuildAction=baRebuild", "OverrideWarnings=True",
-                           "DisableSelectedWarnings=True", "DisableWarnings=0169;0219"}));
+  r = Exec(With(Base(), {"BuildAction=baRebuild", "OverrideWarnings=True",
+                         "DisableSelectedWarnings=True", "DisableWarnings=0169;0219"}));
   ASSERT_EQ(r.exitCode, 0) << r.out;
   EXPECT_EQ(Log(r.out).Metrics()["Compiler.Warnings"], "0") << r.out;
 }
 
-TEST_F(XBuild, TheDemoBuildProcessRuns) {
+TEST_P(MSBuild, TheDemoBuildProcessRuns) {
   // Run from a copy, as the demo does: qvhost saves the counted-up build number into it.
   std::string project = s.dir.Write(
       "Greeting.qvproj", TempDir::Read(std::string(QV_EXAMPLES_DIR) + "/demo/Greeting.qvproj"));
-  auto r = RunCommand(s.Qvhost(kBin + "/mono") + " run " + ShellQuote(project) +
+  auto r = RunCommand(s.Qvhost(GetParam().launcher) + " run " + ShellQuote(project) +
                       " --var DEMO=" + ShellQuote(s.samples));
   ASSERT_EQ(r.exitCode, 0) << r.out << r.err;
   EXPECT_NE(TempDir::Read(project).find("<Property name=\"AssemblyVersionBuild\">42</Property>"),
@@ -387,6 +416,75 @@ TEST_F(XBuild, TheDemoBuildProcessRuns) {
       << run.out;
   EXPECT_TRUE(fs::exists(s.samples + "/vs2008/Greeting.Console/bin/Release/Greeting.Console.exe"));
 }
+
+TEST_P(MSBuild, ParallelBuildGivesTheGroupsOfASerialOne) {
+  fs::copy(kFixtures + "/parallel", s.dir.Path() + "/four", fs::copy_options::recursive);
+  std::string sln = s.dir.Path() + "/four/Four.sln";
+  std::vector<std::string> props = {"Solution=" + sln, "SolutionConfiguration=Release|Any CPU",
+                                    "VStudioVersion=vs2008", "BuildAction=baRebuild"};
+  auto serial = Exec(With(props, {"MaxCPUs=1"}));
+  ASSERT_EQ(serial.exitCode, 0) << serial.out << serial.err;
+  for (char n = '1'; n <= '4'; ++n)  // so that both runs start clean
+    for (const char* out : {"/bin", "/obj"})
+      fs::remove_all(s.dir.Path() + "/four/Part" + n + out);
+  auto parallel = Exec(With(props, {"MaxCPUs=2"}));
+  ASSERT_EQ(parallel.exitCode, 0) << parallel.out << parallel.err;
+  Log one(serial.out), two(parallel.out);
+  EXPECT_EQ(one.ProjectGroups().size(), 4u) << serial.out;
+  EXPECT_EQ(two.ProjectGroups(), one.ProjectGroups());
+  EXPECT_EQ(two.Metrics()["Compiler.Warnings"], "4");
+  EXPECT_EQ(two.Metrics(), one.Metrics());
+}
+
+TEST_P(MSBuild, AProjectTheEngineCannotBuildFailsWithItsError) {
+  auto r = Exec({"Solution=" + s.samples + "/vs2005/OrderDesk.sln",
+                 "SolutionConfiguration=Debug|Win32", "VStudioVersion=vs2005",
+                 "BuildType=btSelectedProjects", "SelectedProjects=OrderNative"});
+  EXPECT_EQ(r.exitCode, 1) << r.out;
+  std::string project = s.samples + "/vs2005/OrderNative/OrderNative.vcproj";
+  std::string error =
+      DotNet() ? "[3] MSBUILD : error MSB4192: The project file \"OrderNative/OrderNative.vcproj\" "
+                 "is in the \".vcproj\" or \".dsp\" file format, which MSBuild cannot build "
+                 "directly. Please convert the project by opening it in the Visual Studio IDE or "
+                 "running the conversion tool, or, for \".vcproj\", use MSBuild to build the "
+                 "solution file containing the project instead."
+               : "[3] OrderNative/OrderNative.vcproj : error : " + project + ": Project file '" +
+                     project +
+                     "' is a VS2003 project, which is not supported by xbuild. You need to "
+                     "convert it to msbuild format to build with xbuild.";
+  Log log(r.out);
+  EXPECT_TRUE(log.Has(error)) << r.out;
+  EXPECT_TRUE(log.Has("[3] MSBuild.exe returned Error code : 1")) << r.out;
+}
+
+TEST_P(MSBuild, BuildsVisualStudio2005VisualBasicAndCSharpProjects) {
+  if (!DotNet()) GTEST_SKIP() << "Mono's Visual Basic compiler is not packaged here";
+  auto r = Exec({"Solution=" + s.samples + "/vs2005/OrderDesk.sln",
+                 "SolutionConfiguration=Debug|Mixed Platforms", "VStudioVersion=vs2005",
+                 "BuildType=btSelectedProjects", "SelectedProjects=OrderTool"});
+  ASSERT_EQ(r.exitCode, 0) << r.out << r.err;
+  EXPECT_TRUE(fs::exists(s.samples + "/vs2005/Orders.Core/bin/Debug/Orders.Core.dll"));
+  EXPECT_TRUE(fs::exists(s.samples + "/vs2005/OrderTool/bin/Debug/OrderTool.exe"));
+}
+
+TEST(DotNetEngine, ABrokenSdkIsNamedAndFailsTheAction) {
+  if (!kDotNet.Present()) GTEST_SKIP() << "dotnet is not here";
+  Session s;
+  std::string broken = s.dir.Write("broken/dotnet", "#!/bin/sh\necho broken >&2\nexit 3\n");
+  fs::permissions(broken, fs::perms::owner_all);
+  auto r = RunCommand("QV_DOTNET=" + ShellQuote(broken) + " " +
+                      s.Command(kDotNet.launcher, {"Solution=" + s.samples + "/vs2008/Greeting.sln",
+                                                   "SolutionConfiguration=Release|Any CPU"}));
+  EXPECT_EQ(r.exitCode, 1);
+  Log log(r.out);
+  EXPECT_TRUE(log.Has("[0] MSBuild.exe: the .NET SDK does not work: \"" + broken +
+                      " --version\" fails; set QV_DOTNET or choose --msbuild-engine xbuild\n"))
+      << r.out;
+  EXPECT_TRUE(log.Has("[3] MSBuild.exe returned Error code : 3")) << r.out;
+}
+
+INSTANTIATE_TEST_SUITE_P(Engines, MSBuild, ::testing::Values(kXBuild, kDotNet),
+                         [](const auto& info) { return info.param.name; });
 
 }  // namespace
 

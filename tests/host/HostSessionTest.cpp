@@ -85,14 +85,24 @@ TEST(THostSession, AnswersFrameworkLookupsFromTheCommandLineOrTheFallback) {
   EXPECT_EQ(shown(fallback, "v4.0"), "Framework v4.0 is not installed")
       << "xbuild stands in only for the versions Visual Studio 2005 and 2008 build with";
 
-  // The Mono launcher is offered only where it and xbuild both are.
+  // Auto: dotnet's launcher where dotnet is, else xbuild's; a chosen one wherever it is.
+  using qvhost::TMSBuildEngine;
+  auto folder = [&dir](TMSBuildEngine e) { return qvhost::MSBuildLauncherFolder(dir.Path(), e); };
   setenv("QV_XBUILD", "/bin/sh", 1);
-  EXPECT_EQ(qvhost::MonoLauncherFolder(dir.Path()), "");
+  setenv("QV_DOTNET", "/nonexistent/dotnet", 1);
+  EXPECT_EQ(folder(TMSBuildEngine::Auto), "");
   dir.Write("mono/MSBuild.exe", "#!/bin/sh\n");
-  EXPECT_EQ(qvhost::MonoLauncherFolder(dir.Path()), dir.File("mono"));
+  dir.Write("dotnet/MSBuild.exe", "#!/bin/sh\n");
+  EXPECT_EQ(folder(TMSBuildEngine::Auto), dir.File("mono"));
+  EXPECT_EQ(folder(TMSBuildEngine::DotNet), dir.File("dotnet"));
+  setenv("QV_DOTNET", "/bin/sh", 1);
+  EXPECT_EQ(folder(TMSBuildEngine::Auto), dir.File("dotnet"));
+  EXPECT_EQ(folder(TMSBuildEngine::XBuild), dir.File("mono"));
+  setenv("QV_DOTNET", "/nonexistent/dotnet", 1);
   setenv("QV_XBUILD", "/nonexistent/xbuild", 1);
-  EXPECT_EQ(qvhost::MonoLauncherFolder(dir.Path()), "");
+  EXPECT_EQ(folder(TMSBuildEngine::Auto), "");
   unsetenv("QV_XBUILD");
+  unsetenv("QV_DOTNET");
 }
 
 TEST(THostSession, ExecRunsOneActionByCaptionOrClassNameWithAssignments) {

@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <fstream>
 #include <thread>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -21,7 +22,11 @@ namespace {
 
 struct Recorder : qv::IQvProcessOutputHandler {
   std::string Out, Err;
-  void OnStdOutData(qv::IQvProcess*, std::string_view chunk) override { Out += chunk; }
+  std::vector<std::string> OutChunks;
+  void OnStdOutData(qv::IQvProcess*, std::string_view chunk) override {
+    Out += chunk;
+    OutChunks.emplace_back(chunk);
+  }
   void OnStdErrData(qv::IQvProcess*, std::string_view chunk) override { Err += chunk; }
 };
 
@@ -29,6 +34,7 @@ struct Result {
   int Code;
   bool Clean;
   std::string Out, Err;
+  std::vector<std::string> OutChunks;
 };
 
 Result RunShell(const std::string& params, const std::string& dir = "",
@@ -44,7 +50,7 @@ Result RunShell(const std::string& params, const std::string& dir = "",
   p->SetOutputHandler(&rec);
   int code = p->Run();
   EXPECT_EQ(code, p->GetExitCode());
-  return {code, p->GetCleanExit(), rec.Out, rec.Err};
+  return {code, p->GetCleanExit(), rec.Out, rec.Err, rec.OutChunks};
 }
 
 std::string Numbers(int from, int to) {
@@ -66,6 +72,11 @@ TEST(THostProcess, DeliversEachStreamWholeAndInOrder) {
   EXPECT_EQ(r.Out, Numbers(1, 60000) + "tail\n");
   EXPECT_EQ(r.Err, Numbers(1, 40000));
   EXPECT_TRUE(NoChildrenLeft());
+}
+
+TEST(THostProcess, ALineWrittenInPiecesArrivesWhole) {
+  Result r = RunShell("-c \"printf a; sleep 0.2; printf 'b\\nc'\"");
+  EXPECT_EQ(r.OutChunks, (std::vector<std::string>{"ab\n", "c"}));
 }
 
 TEST(THostProcess, SplitsParametersAsWindowsDoesAndRunsDetachedInItsFolder) {

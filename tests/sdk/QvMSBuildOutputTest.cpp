@@ -126,6 +126,35 @@ TEST(MSBuildStructuredOutput, UnfinishedProjectsAreClosedSoGroupsStayBalanced) {
             "< [3]\n");
 }
 
+TEST(MSBuildStructuredOutput, InterleavedInstancesLogAsTheirOwnGroups) {
+  // /m:2: A and B build at once, B calls Lib from inside; every line goes to the group of
+  // the instance that reported it, and B's group holds Lib's where Lib started.
+  Reader r;
+  r.Feed({"@@qv:projectStarted\t/src/App.sln\tBuild\t1\t",
+          "@@qv:projectStarted\t/src/A/A.csproj\t\t2\t1",
+          "@@qv:projectStarted\t/src/B/B.csproj\t\t3\t1", "@@qv:message\tHigh\tB compiles\t3",
+          "@@qv:projectStarted\t/src/B/B.csproj.metaproj\t\t4\t3",
+          "@@qv:projectStarted\t/src/Lib/Lib.csproj\t\t5\t4",
+          "@@qv:warning\t/src/Lib/Lib.csproj\tL.cs\t3\t0\tCS0219\tunused\t5",
+          "@@qv:error\t/src/A/A.csproj\tA.cs\t1\t2\tCS0103\tmissing\t2",
+          "@@qv:projectFinished\t/src/Lib/Lib.csproj\tTrue\t5",
+          "@@qv:projectFinished\t/src/A/A.csproj\tFalse\t2",
+          "@@qv:projectFinished\t/src/B/B.csproj\tTrue\t3",
+          "@@qv:projectStarted\t/src/C/C.csproj\t\t6\t1", "@@qv:buildFinished\tFalse"});
+  EXPECT_EQ(r.ctx->Transcript(),
+            "> Project A.csproj (type 0) [0]\n"
+            "  [3] A.cs(1,2): error CS0103: missing\n"
+            "< [3]\n"
+            "> Project B.csproj (type 0) [0]\n"
+            "  [0] B compiles\n"
+            "  > Project Lib.csproj (type 0) [0]\n"
+            "    [2] L.cs(3): warning CS0219: unused\n"
+            "  < [1]\n"
+            "< [1]\n"
+            "> Project C.csproj (type 0) [0]\n"
+            "< [3]\n");
+}
+
 // Without the logger, console lines are counted as they come until the tab-indented
 // summaries of xbuild (which repeats each diagnostic in its closing sections) replace them.
 TEST(MSBuildStructuredOutput, ConsoleCounts) {

@@ -27,6 +27,12 @@
 //       on, Low from detailed on; none at quiet.
 //   @@qv:buildFinished\t<True|False>
 //
+// Built with QV_PROJECT_INSTANCES defined (for the .NET SDK's MSBuild, not for xbuild), the
+// project instance of an event (MSBuild's project context id) is appended: projectStarted gets \t<instance>\t<parent instance>,
+// projectFinished, error, warning and message get \t<instance>; the field is empty when
+// unknown. With /m events of several projects arrive interleaved, and the instance says
+// which project each belongs to.
+//
 // Projects, errors, warnings and the build events are written at every verbosity: the
 // reader builds its log groups and counts from them. Readers ignore kinds they do not
 // know, so later versions may add kinds or append fields.
@@ -181,7 +187,13 @@ namespace Quorvex.MSBuild.Tasks
                 if (context != BuildEventContext.InvalidProjectContextId)
                     projectsByContext[context] = e.ProjectFile ?? "";
             }
-            Emit("projectStarted", e.ProjectFile, e.TargetNames);
+#if QV_PROJECT_INSTANCES
+            string parent = Instance(e.ParentProjectBuildEventContext);
+#else
+            string parent = "";
+#endif
+            Emit("projectStarted", e.ProjectFile, e.TargetNames, Instance(e.BuildEventContext),
+                 parent);
         }
 
         void OnProjectFinished(object sender, ProjectFinishedEventArgs e)
@@ -195,26 +207,28 @@ namespace Quorvex.MSBuild.Tasks
                 if (at >= 0)
                     projectStack.RemoveRange(at, projectStack.Count - at);
             }
-            Emit("projectFinished", e.ProjectFile, Bool(e.Succeeded));
+            Emit("projectFinished", e.ProjectFile, Bool(e.Succeeded), Instance(e.BuildEventContext));
         }
 
         void OnError(object sender, BuildErrorEventArgs e)
         {
             Emit("error", ProjectOf(e.ProjectFile, e.BuildEventContext), e.File,
-                 Number(e.LineNumber), Number(e.ColumnNumber), e.Code, e.Message);
+                 Number(e.LineNumber), Number(e.ColumnNumber), e.Code, e.Message,
+                 Instance(e.BuildEventContext));
         }
 
         void OnWarning(object sender, BuildWarningEventArgs e)
         {
             Emit("warning", ProjectOf(e.ProjectFile, e.BuildEventContext), e.File,
-                 Number(e.LineNumber), Number(e.ColumnNumber), e.Code, e.Message);
+                 Number(e.LineNumber), Number(e.ColumnNumber), e.Code, e.Message,
+                 Instance(e.BuildEventContext));
         }
 
         void OnMessage(object sender, BuildMessageEventArgs e)
         {
             if (!Wants(e.Importance))
                 return;
-            Emit("message", e.Importance.ToString(), e.Message);
+            Emit("message", e.Importance.ToString(), e.Message, Instance(e.BuildEventContext));
         }
 
         bool Wants(MessageImportance importance)
@@ -249,6 +263,18 @@ namespace Quorvex.MSBuild.Tasks
                     return file;
                 return projectStack.Count > 0 ? projectStack[projectStack.Count - 1] : "";
             }
+        }
+
+        // xbuild gives every event a context of its own, which names nothing, and Mono's
+        // Microsoft.Build.Framework has no parent context: instances come from MSBuild only.
+        static string Instance(BuildEventContext context)
+        {
+#if QV_PROJECT_INSTANCES
+            int id = ProjectContextOf(context);
+            return id < 0 ? "" : Number(id);
+#else
+            return "";
+#endif
         }
 
         static string Bool(bool value)
