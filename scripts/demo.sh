@@ -16,11 +16,25 @@ mkdir -p "$demo"
 cp -R examples/vs2008 "$demo/vs2008"
 [ -f "$demo/Greeting.qvproj" ] || cp examples/demo/Greeting.qvproj "$demo/Greeting.qvproj"
 
+# MSTest.exe cannot run here: the demo's options point Visual Studio 2008 at the stand-in,
+# which replays a run of the sample's six checks.
+mkdir -p "$demo/mstest" "$demo/TestResults"
+rm -f "$demo/TestResults/Greeting.trx"
+export QV_STANDIN_DIR="$demo/mstest"
+printf 'Passed Greeting.Tests.GreeterChecks.%s\n' DefaultSalutation OwnSalutation MissingName \
+  BlankName NameIsTrimmed NullSalutationRefused > "$QV_STANDIN_DIR/tests.txt"
+printf '<QvOptions>\n  <Section key="VisualStudioDotNet">\n    <Value name="MSDevPath2008" type="string">%s</Value>\n  </Section>\n</QvOptions>\n' \
+  "$PWD/build/bin/standins/mstest/" > "$demo/options.xml"
+# MSBuild is the .NET SDK's engine where it is installed, else Mono's xbuild.
+engine=xbuild
+if command -v dotnet >/dev/null && [ -x build/bin/dotnet/MSBuild.exe ]; then engine=dotnet; fi
+
 echo "==== How the package reads the sample solution (qvsln)"
 build/bin/qvsln "$demo/vs2008/Greeting.sln"
 echo
-echo "==== The demo build process (qvhost run build/demo/Greeting.qvproj, a copy of examples/demo/Greeting.qvproj)"
-build/bin/qvhost run "$demo/Greeting.qvproj" --var "DEMO=$demo" --options "$demo/options.xml"
+echo "==== The demo build process (qvhost run build/demo/Greeting.qvproj, a copy of examples/demo/Greeting.qvproj; MSBuild engine: $engine)"
+build/bin/qvhost run "$demo/Greeting.qvproj" --var "DEMO=$demo" --options "$demo/options.xml" \
+  --msbuild-engine "$engine"
 echo
 echo "==== The build number qvhost saved back into build/demo/Greeting.qvproj"
 grep -n 'AssemblyVersionBuild' "$demo/Greeting.qvproj"

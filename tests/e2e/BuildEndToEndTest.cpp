@@ -401,7 +401,12 @@ TEST_P(MSBuild, DisabledWarningsAreSilenced) {
 }
 
 TEST_P(MSBuild, TheDemoBuildProcessRuns) {
-  // Run from a copy, as the demo does: qvhost saves the counted-up build number into it.
+  // Run from a copy, as the demo does: qvhost saves the counted-up build number into it. Its
+  // last step runs MSTest.exe, the stand-in here.
+  s.dir.Write("options.xml",
+              "<QvOptions><Section key=\"VisualStudioDotNet\"><Value name=\"MSDevPath2008\" "
+              "type=\"string\">" +
+                  kBin + "/standins/mstest/</Value></Section></QvOptions>");
   std::string project = s.dir.Write(
       "Greeting.qvproj", TempDir::Read(std::string(QV_EXAMPLES_DIR) + "/demo/Greeting.qvproj"));
   auto r = RunCommand(s.Qvhost(GetParam().launcher) + " run " + ShellQuote(project) +
