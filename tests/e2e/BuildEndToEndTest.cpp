@@ -49,6 +49,9 @@ struct Session {
               "<Value name=\"MSDevPath2003\" type=\"string\">" +
                   devenv +
                   "</Value>"
+                  "<Value name=\"MSDevPath2005\" type=\"string\">" +
+                  devenv +
+                  "</Value>"
                   "<Value name=\"MSDevPath2008\" type=\"string\">" +
                   devenv +
                   "</Value>"
@@ -600,16 +603,16 @@ TEST(Iterator, NestedBuildPerProjectInDependencyOrder) {
       "    <Action type=\"VS.NET Solution Iterator\">\n"
       "      <Property name=\"Solution\">" +
           s.samples +
-          "/vs2008/Mixed.sln</Property>\n"
+          "/vs2005/OrderDesk.sln</Property>\n"
           "      <Property name=\"IterateValue\">svName</Property>\n"
           "      <Property name=\"VariableName\">P</Property>\n"
           "      <Actions>\n"
           "        <Action type=\"TQvVSDotNetAction\">\n"
           "          <Property name=\"Solution\">" +
           s.samples +
-          "/vs2008/Mixed.sln</Property>\n"
+          "/vs2005/OrderDesk.sln</Property>\n"
           "          <Property name=\"SolutionConfiguration\">Release|Any CPU</Property>\n"
-          "          <Property name=\"VStudioVersion\">vs2008</Property>\n"
+          "          <Property name=\"VStudioVersion\">vs2005</Property>\n"
           "          <Property name=\"UseMSBuild\">False</Property>\n"
           "          <Property name=\"BuildType\">btSelectedProjects</Property>\n"
           "          <Property name=\"SelectedProjects\"><Line>%P%</Line></Property>\n"
@@ -622,13 +625,13 @@ TEST(Iterator, NestedBuildPerProjectInDependencyOrder) {
   std::vector<std::string> built;
   for (const auto& call : s.Calls())
     built.push_back(call[3]);
-  EXPECT_EQ(built,
-            (std::vector<std::string>{
-                "Greeting.Lib\\Greeting.Lib.csproj", "Greeting.Console\\Greeting.Console.csproj",
-                "GreetingNative\\GreetingNative.vcproj", "GreetingSetup\\GreetingSetup.vdproj"}));
+  EXPECT_EQ(built, (std::vector<std::string>{
+                       "http://localhost/OrderSite", "Orders.Core\\Orders.Core.csproj",
+                       "OrderNative\\OrderNative.vcproj", "OrderTool\\OrderTool.vbproj",
+                       "OrderSetup\\OrderSetup.vdproj"}));
   EXPECT_NE(TempDir::Read(project).find("<Property name=\"BuildVersion\">42</Property>"),
             std::string::npos);
-  EXPECT_NE(TempDir::Read(s.samples + "/vs2008/GreetingNative/App.rc").find("FILEVERSION 1,0,0,42"),
+  EXPECT_NE(TempDir::Read(s.samples + "/vs2005/OrderNative/other.rc").find("FILEVERSION 1,0,0,42"),
             std::string::npos);
 }
 
