@@ -3,21 +3,16 @@
 #include <cstdio>
 
 #include "QvExceptions.h"
+#include "QvSysUtils.h"
 
 namespace qv {
 
 namespace {
-int HexDigit(char c) {
-  if (c >= '0' && c <= '9') return c - '0';
-  if (c >= 'a' && c <= 'f') return c - 'a' + 10;
-  if (c >= 'A' && c <= 'F') return c - 'A' + 10;
-  return -1;
-}
 
 bool ReadHex(std::string_view s, size_t pos, int digits, uint32_t& out) {
   uint32_t v = 0;
   for (int i = 0; i < digits; ++i) {
-    int d = HexDigit(s[pos + i]);
+    int d = HexDigitValue(s[pos + i]);
     if (d < 0) return false;
     v = (v << 4) | static_cast<uint32_t>(d);
   }

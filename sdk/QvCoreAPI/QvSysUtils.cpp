@@ -139,6 +139,13 @@ std::string IntToHex(int64_t v, int digits) {
   return out;
 }
 
+int HexDigitValue(char c) {
+  if (c >= '0' && c <= '9') return c - '0';
+  if (c >= 'a' && c <= 'f') return c - 'a' + 10;
+  if (c >= 'A' && c <= 'F') return c - 'A' + 10;
+  return -1;
+}
+
 bool TryHexToInt(std::string_view s, int64_t& out) {
   if (s.empty() || s.size() > 16) return false;
   uint64_t v = 0;

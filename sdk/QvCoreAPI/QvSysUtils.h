@@ -33,6 +33,8 @@ std::string IntToStr(int64_t v);
 // Upper-case hexadecimal with at least `digits` digits; a negative value is written as its
 // 32-bit two's complement, as the Win32 tools print it.
 std::string IntToHex(int64_t v, int digits);
+// The value of one hexadecimal digit, or -1.
+int HexDigitValue(char c);
 // Reads hexadecimal digits only (no prefix, no sign, not empty); false for anything else.
 bool TryHexToInt(std::string_view s, int64_t& out);
 // Decimal, or hexadecimal after "$" or "0x"; `def` for anything else.

@@ -280,19 +280,13 @@ std::string ExpandVariables(std::string_view text, const TVariableLookup& lookup
 namespace qv {
 
 namespace {
-int HexDigit(char c) {
-  if (c >= '0' && c <= '9') return c - '0';
-  if (c >= 'a' && c <= 'f') return c - 'a' + 10;
-  if (c >= 'A' && c <= 'F') return c - 'A' + 10;
-  return -1;
-}
 
 std::string PercentDecode(std::string_view s) {
   std::string r;
   r.reserve(s.size());
   for (size_t i = 0; i < s.size(); ++i) {
-    int hi = s[i] == '%' && i + 2 < s.size() ? HexDigit(s[i + 1]) : -1;
-    int lo = hi >= 0 ? HexDigit(s[i + 2]) : -1;
+    int hi = s[i] == '%' && i + 2 < s.size() ? HexDigitValue(s[i + 1]) : -1;
+    int lo = hi >= 0 ? HexDigitValue(s[i + 2]) : -1;
     if (lo < 0) {
       r += s[i];
       continue;
