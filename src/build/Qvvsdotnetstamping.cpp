@@ -24,6 +24,13 @@ std::string CountedUp(const std::string& part) {
   return IntToStr(Next(StrToIntDef(part, 0)));
 }
 
+// The set named `name`, or null after logging that there is none.
+IntfPtr<IQvPropertySet> FoundOrReported(TCustomQvAction& action, const std::string& name) {
+  IntfPtr<IQvPropertySet> set = action.FindPropertySet(name);
+  if (!set) action.SendMessage("Unable to find property set: " + name, TStatusTag::Error);
+  return set;
+}
+
 // The property names of a set, without the two every set carries.
 std::vector<std::string> SetPropertyNames(IQvPropertySet& set) {
   TStringList names;
@@ -157,12 +164,8 @@ bool TQvCustomVSDotNetAction::DoUpdateAssemblyInfo(IVSDotNetSolution& solution) 
 }
 
 bool TQvCustomVSDotNetAction::LoadDotNetVersionInfoFromPropertySet() {
-  IntfPtr<IQvPropertySet> set = FindPropertySet(FDotNetVersionInfoPropertySetName);
-  if (!set) {
-    SendMessage("Unable to find property set: " + FDotNetVersionInfoPropertySetName,
-                TStatusTag::Error);
-    return false;
-  }
+  IntfPtr<IQvPropertySet> set = FoundOrReported(*this, FDotNetVersionInfoPropertySetName);
+  if (!set) return false;
   static const char* const kParts[] = {"MajorVersion", "MinorVersion", "BuildVersion",
                                        "RevisionVersion"};
   const std::pair<const char*, std::pair<std::string*, bool*>> texts[] = {
@@ -192,12 +195,8 @@ bool TQvCustomVSDotNetAction::LoadDotNetVersionInfoFromPropertySet() {
 }
 
 bool TQvCustomVSDotNetAction::LoadWin32VersionInfoFromPropertySet() {
-  IntfPtr<IQvPropertySet> set = FindPropertySet(FWin32VersionInfoPropertySetName);
-  if (!set) {
-    SendMessage("Unable to find property set: " + FWin32VersionInfoPropertySetName,
-                TStatusTag::Error);
-    return false;
-  }
+  IntfPtr<IQvPropertySet> set = FoundOrReported(*this, FWin32VersionInfoPropertySetName);
+  if (!set) return false;
   const std::pair<const char*, bool TQvCustomVSDotNetAction::*> flags[] = {
       {"DebugBuild", &TQvCustomVSDotNetAction::FIsDebug},
       {"SpecialBuild", &TQvCustomVSDotNetAction::FIsSpecial},
