@@ -595,7 +595,7 @@ namespace {
 // A loop over a solution's projects with a nested build of the loop's project: every
 // iteration builds its own project (fresh nested actions), and a number the nested action
 // counts up is saved once, as the last iteration left it.
-TEST(Iterator, NestedBuildPerProjectInDependencyOrder) {
+TEST(SolutionLoop, NestedBuildPerProjectInDependencyOrder) {
   Session s;
   std::string project = s.dir.Write(
       "loop.qvproj",
