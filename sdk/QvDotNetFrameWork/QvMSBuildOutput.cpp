@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "QvActions.h"
+#include "QvCounts.h"
 
 namespace qv {
 
@@ -173,7 +174,7 @@ enum class TSummary { None, Errors, Warnings };
 
 // Reads MSBuild's closing "  12 Error(s)" or "  0 Warning(s)" (blanks or tabs before,
 // blanks behind).
-TSummary ReadSummary(std::string_view line, int& count) {
+TSummary ReadSummary(std::string_view line, int64_t& count) {
   std::string_view s = TrimRight(TrimLeft(line));
   size_t digits = 0;
   while (digits < s.size() && s[digits] >= '0' && s[digits] <= '9')
@@ -183,7 +184,7 @@ TSummary ReadSummary(std::string_view line, int& count) {
   TSummary summary = word == "Error(s)"     ? TSummary::Errors
                      : word == "Warning(s)" ? TSummary::Warnings
                                             : TSummary::None;
-  if (summary != TSummary::None) count = ToInt(s.substr(0, digits));
+  if (summary != TSummary::None) count = ReadCount(s.substr(0, digits));
   return summary;
 }
 
@@ -429,17 +430,18 @@ void TQvMSBuildStructuredOutputHelper::Diagnostic(bool error, std::string_view p
 void TQvMSBuildStructuredOutputHelper::ProcessConsoleLine(std::string_view line) {
   if (TrimLeft(line).empty()) return;
   FText.assign(line);
-  int count = 0;
+  int64_t count = 0;
   TStatusTag tag = TStatusTag::Plain;
   // Lines counted since the last summary belong to the run that summary closes: its count
   // replaces them (xbuild prints each diagnostic twice), earlier runs' counts stay.
   switch (ReadSummary(line, count)) {
     case TSummary::Errors:
-      if (!FLoggerSeen) FErrorCount += count - std::exchange(FRunErrors, 0);
+      if (!FLoggerSeen) FErrorCount = AddCounts(FErrorCount, count - std::exchange(FRunErrors, 0));
       tag = count > 0 ? TStatusTag::Error : TStatusTag::Plain;
       break;
     case TSummary::Warnings:
-      if (!FLoggerSeen) FWarningCount += count - std::exchange(FRunWarnings, 0);
+      if (!FLoggerSeen)
+        FWarningCount = AddCounts(FWarningCount, count - std::exchange(FRunWarnings, 0));
       tag = count > 0 ? TStatusTag::Warning : TStatusTag::Plain;
       break;
     case TSummary::None:

@@ -66,8 +66,8 @@ class TQvMSBuildStructuredOutputHelper {
   // stopped or crashed), so that the owner's own groups stay balanced. Call after a run.
   void Finish();
 
-  int GetErrorCount() const { return FErrorCount; }
-  int GetWarningCount() const { return FWarningCount; }
+  int64_t GetErrorCount() const { return FErrorCount; }
+  int64_t GetWarningCount() const { return FWarningCount; }
 
  private:
   struct TProject {
@@ -114,10 +114,10 @@ class TQvMSBuildStructuredOutputHelper {
   std::string FSolutionFile;
   bool FEnabled = false;
   bool FLoggerSeen = false;
-  int FErrorCount = 0;
-  int FWarningCount = 0;
-  int FRunErrors = 0;  // console diagnostics since the last summary line
-  int FRunWarnings = 0;
+  int64_t FErrorCount = 0;
+  int64_t FWarningCount = 0;
+  int64_t FRunErrors = 0;  // console diagnostics since the last summary line
+  int64_t FRunWarnings = 0;
   std::vector<TProject> FProjects;
   std::map<int, TInstance> FInstances;
   std::vector<int> FOutermost;  // grouped instances outside any other group, in start order

@@ -3,6 +3,7 @@
 #include <chrono>
 #include <thread>
 
+#include "QvCounts.h"
 #include "QvExceptions.h"
 #include "QvPaths.h"
 #include "QvPlatform.h"
@@ -445,9 +446,9 @@ TStatusTag ClassifyByWords(std::string_view line) {
 }
 
 // The number before `marker` in `text`: leading blanks and tabs allowed, 0 otherwise.
-int CountBefore(std::string_view text, std::string_view marker) {
+int64_t CountBefore(std::string_view text, std::string_view marker) {
   size_t at = text.find(marker);
-  return StrToIntDef(text.substr(0, at == std::string_view::npos ? 0 : at), 0);
+  return ReadCount(text.substr(0, at == std::string_view::npos ? 0 : at));
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include <array>
 
+#include "QvCounts.h"
 #include "QvPlatform.h"
 #include "QvSysUtils.h"
 
@@ -151,11 +152,11 @@ void M::OnStdOutData(IQvProcess* process, std::string_view chunk) {
     if (phrase == std::string_view::npos) return;
     size_t slash = line.find('/');
     if (slash == std::string_view::npos) slash = 0;  // the whole text before is the total
-    int64_t passed = slash ? StrToInt64Def(line.substr(0, slash), 0) : 0;
+    int64_t passed = slash ? ReadCount(line.substr(0, slash)) : 0;
     size_t from = slash ? slash + 1 : 0;
-    int64_t total = from <= phrase ? StrToInt64Def(line.substr(from, phrase - from), 0) : 0;
+    int64_t total = from <= phrase ? ReadCount(line.substr(from, phrase - from)) : 0;
     SendMetricInt("Unit_Tests", "Tests_Successful", passed);
-    SendMetricInt("Unit_Tests", "Tests_Failed", total - passed);
+    SendMetricInt("Unit_Tests", "Tests_Failed", AddCounts(total, -passed));
   });
 }
 

@@ -159,9 +159,12 @@ TEST(MSBuildStructuredOutput, InterleavedInstancesLogAsTheirOwnGroups) {
 // summaries of xbuild (which repeats each diagnostic in its closing sections) replace them.
 TEST(MSBuildStructuredOutput, ConsoleCounts) {
   struct Case {
-    int errors, warnings;
+    int64_t errors, warnings;
     std::vector<std::string> lines;
   } cases[] = {
+      // Counts no int holds are read into 64 bits, and their sum clamps.
+      {4294967294, 0, {"2147483647 Error(s)", "2147483647 Error(s)"}},
+      {INT64_MAX, 0, {"99999999999999999999 Error(s)", "1 Error(s)"}},
       {2,
        1,
        {"a.cs(1,1): error CS1: x", "MSBUILD : error MSB1009: No project.",
