@@ -1,3 +1,4 @@
+#include <dirent.h>
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <limits.h>
@@ -114,6 +115,18 @@ bool WriteAll(int fd, std::string_view data) {
   }
   return true;
 }
+// Temporary files that a killed save of the same file left behind (".NAME.qvtmp.XXXXXX").
+void RemoveStaleTemporaries(const std::string& dir, const std::string& name) {
+  std::string prefix = "." + name + ".qvtmp.";
+  DIR* d = opendir(dir.c_str());
+  if (!d) return;
+  while (dirent* e = readdir(d)) {
+    std::string_view entry = e->d_name;
+    if (entry.size() == prefix.size() + 6 && entry.substr(0, prefix.size()) == prefix)
+      unlinkat(dirfd(d), e->d_name, 0);
+  }
+  closedir(d);
+}
 }  // namespace
 
 void AtomicWriteFile(const std::string& path, std::string_view data) {
@@ -150,6 +163,7 @@ void AtomicWriteFile(const std::string& path, std::string_view data) {
     unlink(tmp.c_str());
     WriteFailed(path, err);
   }
+  RemoveStaleTemporaries(dir, name);
 }
 
 void* LoadModule(const std::string& path, std::string& error) {

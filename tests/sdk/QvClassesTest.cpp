@@ -201,6 +201,16 @@ TEST(TStringListFile, FailedSaveLeavesTheOriginalUntouched) {
       << "no temporary file is left behind";
 }
 
+TEST(TStringListFile, ASaveRemovesWhatAKilledSaveOfTheSameFileLeft) {
+  TempDir dir;
+  dir.Write(".keep.txt.qvtmp.Ab12Cd", "half");
+  dir.Write(".other.txt.qvtmp.Ab12Cd", "another file's");
+  TStringList l{"saved"};
+  l.SaveToFile(dir.File("keep.txt"));
+  EXPECT_FALSE(std::filesystem::exists(dir.File(".keep.txt.qvtmp.Ab12Cd")));
+  EXPECT_TRUE(std::filesystem::exists(dir.File(".other.txt.qvtmp.Ab12Cd")));
+}
+
 TEST(TStringListFile, SaveKeepsTheFilesPermissions) {
   TempDir dir;
   std::string path = dir.Write("script.sh", "#!/bin/sh\n");
