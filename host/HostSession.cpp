@@ -133,7 +133,7 @@ int THostSession::RunAndSave(TRunner& runner, TProjectFile* project) {
     FLog->Message(e.what(), qv::TStatusTag::Error);
     saved = false;
   }
-  FLog->RunEnd(ok, runner.ActionsRun(), runner.ActionsFailed(), runner.Seconds());
+  FLog->RunEnd(ok, runner.ActionsRun(), runner.ActionsFailed(), runner.Seconds(), saved);
   return ok && saved ? kExitSuccess : kExitBuildFailed;
 }
 

@@ -62,8 +62,8 @@ void TLogSink::ActionEnd(bool success, double seconds) {
   WriteActionEnd(caption, success, seconds);
 }
 
-void TLogSink::RunEnd(bool success, int actions, int failed, double seconds) {
-  WriteRunEnd(success, actions, failed, seconds);
+void TLogSink::RunEnd(bool success, int actions, int failed, double seconds, bool saved) {
+  WriteRunEnd(success, actions, failed, seconds, saved);
 }
 
 namespace {
@@ -103,7 +103,7 @@ class TTextLogSink : public TLogSink {
     Line(Styled(Nesting(), success ? TStatusTag::Success : TStatusTag::Error,
                 text + Seconds(seconds)));
   }
-  void WriteRunEnd(bool success, int actions, int failed, double seconds) override;
+  void WriteRunEnd(bool success, int actions, int failed, double seconds, bool saved) override;
 
  private:
   static std::string Indent(int level) { return std::string(static_cast<size_t>(level) * 2, ' '); }
@@ -121,7 +121,7 @@ std::string TTextLogSink::Styled(int level, TStatusTag tag, std::string_view tex
   return Indent(level) + kMarkers[t] + std::string(text);
 }
 
-void TTextLogSink::WriteRunEnd(bool success, int actions, int failed, double seconds) {
+void TTextLogSink::WriteRunEnd(bool success, int actions, int failed, double seconds, bool saved) {
   Line("");
   if (!Metrics().empty()) {
     Line("Metrics:");
@@ -129,10 +129,11 @@ void TTextLogSink::WriteRunEnd(bool success, int actions, int failed, double sec
       Line("  " + m.Group + "." + m.Name + " = " + std::to_string(m.Value));
   }
   std::string count = std::to_string(actions) + (actions == 1 ? " action" : " actions");
-  std::string text = success
-                         ? "Build succeeded: " + count
-                         : "Build failed: " + std::to_string(failed) + " of " + count + " failed";
-  Line(Styled(0, success ? TStatusTag::Success : TStatusTag::Error,
+  std::string text = !success
+                         ? "Build failed: " + std::to_string(failed) + " of " + count + " failed"
+                     : saved ? "Build succeeded: " + count
+                             : "Build succeeded but saving its changes failed: " + count;
+  Line(Styled(0, success && saved ? TStatusTag::Success : TStatusTag::Error,
               text + " in " + Seconds(seconds)));
 }
 
@@ -167,7 +168,7 @@ class TJsonLogSink : public TLogSink {
   void WriteActionEnd(std::string_view, bool success, double) override {
     Line(std::string("{\"event\":\"actionEnd\",\"success\":") + (success ? "true" : "false") + "}");
   }
-  void WriteRunEnd(bool, int, int, double) override {}
+  void WriteRunEnd(bool, int, int, double, bool) override {}
 
  private:
   static std::string Num(TStatusTag tag) { return std::to_string(static_cast<int>(tag)); }

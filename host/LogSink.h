@@ -42,7 +42,8 @@ class TLogSink {
   // Ends the innermost action, which ran for `seconds`.
   void ActionEnd(bool success, double seconds);
   // The closing summary of a build: `failed` of `actions` actions failed.
-  void RunEnd(bool success, int actions, int failed, double seconds);
+  // `saved` false: the run succeeded but what it changed could not be saved.
+  void RunEnd(bool success, int actions, int failed, double seconds, bool saved = true);
 
   // The number of open message groups.
   int Depth() const { return static_cast<int>(FGroups.size()); }
@@ -63,7 +64,7 @@ class TLogSink {
   virtual void WriteMetric(std::string_view group, std::string_view name, int64_t value) = 0;
   virtual void WriteActionStart(std::string_view type, std::string_view caption) = 0;
   virtual void WriteActionEnd(std::string_view caption, bool success, double seconds) = 0;
-  virtual void WriteRunEnd(bool success, int actions, int failed, double seconds) = 0;
+  virtual void WriteRunEnd(bool success, int actions, int failed, double seconds, bool saved) = 0;
 
   // Groups plus actions open around the next line: the text log's indentation level.
   int Nesting() const { return static_cast<int>(FGroups.size() + FActions.size()); }

@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
 #include "HostTestSupport.h"
 #include "QvSysUtils.h"
 
@@ -49,6 +51,16 @@ TEST(Qvhost, ExitStatusSaysWhatWentWrong) {
       EXPECT_EQ(r.err, c.err) << c.args;
     }
   }
+  // A build that succeeded but whose changes cannot be saved says so and fails the run.
+  std::string counted = dir.Write("count.qvproj",
+                                  "<QvProject><Actions><Action type='Count Builds'/></Actions>"
+                                  "</QvProject>");
+  std::filesystem::permissions(counted, std::filesystem::perms::owner_read);
+  auto saved = RunQvhost(dir, "--no-color run count.qvproj", "QVTEST_USER=ci");
+  EXPECT_EQ(saved.exitCode, 1);
+  EXPECT_NE(saved.out.find("[error] Build succeeded but saving its changes failed: 1 action in "),
+            std::string::npos)
+      << saved.out;
   auto version = RunQvhost(dir, "--version");
   EXPECT_EQ(version.exitCode, 0);
   EXPECT_EQ(version.out, "qvhost 0.1.0\n");
