@@ -5,6 +5,7 @@
 #include "Expander.h"
 #include "LogSink.h"
 #include "PasswordVault.h"
+#include "ProcessRunner.h"
 #include "QvExceptions.h"
 #include "QvSysUtils.h"
 
@@ -62,8 +63,10 @@ void TActionContext::BeginRun() {
   FBaseDepth = FEnv.Log.Depth();
 }
 
+// Tools such as devenv name files relative to the folder they run in.
 void TActionContext::SendMessage(const std::string& text, qv::TStatusTag tag) {
-  FEnv.Log.Message(text, tag);
+  auto* process = dynamic_cast<THostProcess*>(FLastProcess.Get());
+  FEnv.Log.Message(text, tag, process ? std::string_view(process->StartingDir()) : "");
 }
 
 void TActionContext::StartMessageGroup(const std::string& title, int groupType,
@@ -130,7 +133,8 @@ std::string TActionContext::DecryptPassword(const std::string& encrypted) {
 
 qv::IntfPtr<qv::IQvProcess> TActionContext::CreateProcess() {
   if (!FEnv.NewProcess) throw qv::Exception("Running processes is not available in this host yet");
-  return FEnv.NewProcess();
+  FLastProcess = FEnv.NewProcess();
+  return FLastProcess;
 }
 
 }  // namespace qvhost

@@ -56,7 +56,8 @@ struct TRunEnvironment {
   std::function<qv::IntfPtr<qv::IQvProcess>()> NewProcess;
 };
 
-// The context the host binds to one action: its log lines go to the run's log, expansion
+// The context the host binds to one action: its log lines go to the run's log (files that
+// diagnostics name relative resolved against the folder its last process ran in), expansion
 // failures are reported under the caption given, and its dynamic properties are collected.
 class TActionContext : public qv::TInterfacedObject,
                        public qv::IQvActionContext,
@@ -98,6 +99,7 @@ class TActionContext : public qv::TInterfacedObject,
   TRunEnvironment& FEnv;
   std::vector<std::string> FDynamic;
   int FBaseDepth = 0;
+  qv::IntfPtr<qv::IQvProcess> FLastProcess;  // the last process the action made
 };
 
 }  // namespace qvhost

@@ -115,9 +115,9 @@ namespace {
 int gWakePipe[2] = {-1, -1};
 
 // Only async-signal-safe work here: the watcher thread does the rest.
-void OnSignal(int) {
+void OnSignal(int signal) {
   int saved = errno;
-  char c = 'i';
+  char c = signal == SIGTERM ? 't' : 'i';
   [[maybe_unused]] ssize_t n = write(gWakePipe[1], &c, 1);
   errno = saved;
 }
@@ -129,7 +129,7 @@ struct TInterruptWatcher::Impl {
   struct sigaction OldTerm {};
 };
 
-TInterruptWatcher::TInterruptWatcher(std::function<void()> onInterrupt) : FImpl(new Impl) {
+TInterruptWatcher::TInterruptWatcher(std::function<void(int)> onInterrupt) : FImpl(new Impl) {
   if (pipe2(gWakePipe, O_CLOEXEC) != 0) throw qv::Exception("Cannot watch for interrupts");
   FImpl->Thread = std::thread([fd = gWakePipe[0], fn = std::move(onInterrupt)] {
     char c;
@@ -137,7 +137,7 @@ TInterruptWatcher::TInterruptWatcher(std::function<void()> onInterrupt) : FImpl(
       ssize_t n = read(fd, &c, 1);
       if (n < 0 && errno == EINTR) continue;
       if (n <= 0 || c == 'q') return;
-      fn();
+      fn(c == 't' ? 128 + SIGTERM : 128 + SIGINT);
     }
   });
   struct sigaction sa {};

@@ -68,21 +68,21 @@ std::string ReadOrCreatePrivateFile(const std::string& path,
 // ---- interrupts -----------------------------------------------------------------------------
 
 namespace {
-std::function<void()>* gOnInterrupt = nullptr;
+std::function<void(int)>* gOnInterrupt = nullptr;
 
 // Windows calls console handlers on a thread of their own, so the work may happen right here.
 BOOL WINAPI OnConsoleEvent(DWORD event) {
   if (event != CTRL_C_EVENT && event != CTRL_BREAK_EVENT && event != CTRL_CLOSE_EVENT) return FALSE;
-  if (gOnInterrupt) (*gOnInterrupt)();
+  if (gOnInterrupt) (*gOnInterrupt)(event == CTRL_CLOSE_EVENT ? 143 : 130);
   return TRUE;
 }
 }  // namespace
 
 struct TInterruptWatcher::Impl {
-  std::function<void()> OnInterrupt;
+  std::function<void(int)> OnInterrupt;
 };
 
-TInterruptWatcher::TInterruptWatcher(std::function<void()> onInterrupt) : FImpl(new Impl) {
+TInterruptWatcher::TInterruptWatcher(std::function<void(int)> onInterrupt) : FImpl(new Impl) {
   FImpl->OnInterrupt = std::move(onInterrupt);
   gOnInterrupt = &FImpl->OnInterrupt;
   SetConsoleCtrlHandler(OnConsoleEvent, TRUE);

@@ -26,11 +26,12 @@ std::string ReadOrCreatePrivateFile(const std::string& path,
                                     const std::function<std::string()>& makeContent);
 
 // While alive, calls `onInterrupt` on a thread of its own each time the user interrupts the
-// host (Ctrl-C) or the system asks it to terminate. Restores the previous handling on
-// destruction. One watcher at a time.
+// host (Ctrl-C) or the system asks it to terminate, with the exit status an interrupted run
+// ends with (130 for an interrupt, 143 for a termination request). Restores the previous
+// handling on destruction. One watcher at a time.
 class TInterruptWatcher {
  public:
-  explicit TInterruptWatcher(std::function<void()> onInterrupt);
+  explicit TInterruptWatcher(std::function<void(int exitStatus)> onInterrupt);
   ~TInterruptWatcher();
   TInterruptWatcher(const TInterruptWatcher&) = delete;
   TInterruptWatcher& operator=(const TInterruptWatcher&) = delete;

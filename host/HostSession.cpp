@@ -39,7 +39,8 @@ THostSession::THostSession(const THostSettings& settings, std::ostream& out, TRu
       settings.KeyFile.empty() ? TPasswordVault::DefaultKeyFile() : settings.KeyFile);
   for (const auto& [name, value] : settings.Variables)
     FExpander.SetOverride(name, value);
-  FLog = NewLogSink(settings.LogFormat, out, settings.Colour);
+  FLog = NewLogSink(settings.LogFormat, out, settings.Colour, FClock);
+  if (settings.LogFormat == TLogFormat::Text) FLog->SetCiDialect(settings.Ci);
   FPackages.Load(PackageFiles(settings), settings.DesignTime);
   FServices.LoadOptions(*FStore);
 }
@@ -87,7 +88,8 @@ TRunner& THostSession::NewRunner() {
   return *FRunner;
 }
 
-void THostSession::RequestStop() {
+void THostSession::RequestStop(int exitStatus) {
+  FStopStatus = exitStatus;
   FStopRequested = true;
   if (TRunner* runner = FActiveRunner.load()) runner->RequestStop();
 }
@@ -121,6 +123,7 @@ int THostSession::ExecAction(const std::string& type, const std::vector<std::str
 // Saving happens whether or not the build succeeded: numbers a failed build already stamped
 // into files must not be handed out again.
 int THostSession::RunAndSave(TRunner& runner, TProjectFile* project) {
+  FLog->StartRun();
   bool ok = runner.Run();
   bool saved = true;
   try {
@@ -133,8 +136,18 @@ int THostSession::RunAndSave(TRunner& runner, TProjectFile* project) {
     FLog->Message(e.what(), qv::TStatusTag::Error);
     saved = false;
   }
-  FLog->RunEnd(ok, runner.ActionsRun(), runner.ActionsFailed(), runner.Seconds(), saved);
+  TRunSummary summary{ok, runner.ActionsRun(), runner.ActionsFailed(), runner.Seconds(), saved};
+  if (FStopRequested && !ok) {
+    summary.Interrupted = FStopStatus;
+    summary.NotStarted = runner.ActionsNotStarted();
+  }
+  FLog->RunEnd(summary);
+  if (summary.Interrupted) return summary.Interrupted;
   return ok && saved ? kExitSuccess : kExitBuildFailed;
+}
+
+void THostSession::ReportInputError(std::string_view file, int64_t line, std::string_view text) {
+  FLog->InputError(file, line, text);
 }
 
 void ApplyAssignment(qv::TQvPersistent& action, std::string_view assignment) {

@@ -41,6 +41,7 @@ struct THostSettings {
   bool DesignTime = false;
   TLogFormat LogFormat = TLogFormat::Text;
   bool Colour = false;
+  TCiDialect Ci = TCiDialect::None;  // annotations beside the text log
 };
 
 class THostSession {
@@ -65,8 +66,11 @@ class THostSession {
   // `setValues` ("SET.NAME", VALUE) fill property sets the action may read.
   int ExecAction(const std::string& type, const std::vector<std::string>& assignments,
                  const std::vector<std::pair<std::string, std::string>>& setValues = {});
-  // Safe from any thread, at any time: stops the build (see TRunner::RequestStop).
-  void RequestStop();
+  // Safe from any thread, at any time: stops the build (see TRunner::RequestStop), which then
+  // ends with `exitStatus` (130 after an interrupt, 143 after a termination request).
+  void RequestStop(int exitStatus);
+  // Reports input the session could not read: the JSON-lines log gets an "error" event.
+  void ReportInputError(std::string_view file, int64_t line, std::string_view text);
 
   const THostServices& Services() const { return FServices; }
 
@@ -103,6 +107,7 @@ class THostSession {
   std::unique_ptr<TRunner> FRunner;
   std::atomic<TRunner*> FActiveRunner{nullptr};
   std::atomic<bool> FStopRequested{false};
+  std::atomic<int> FStopStatus{0};
 };
 
 // Applies one `qvhost exec` assignment to `action`: "NAME=VALUE" sets a property through its

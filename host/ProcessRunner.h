@@ -25,6 +25,7 @@ class THostProcess : public qv::TInterfacedObject, public qv::IQvProcess {
   // Throws qv::Exception "Cannot run "EXE" : REASON" when the child cannot be started.
   int Run() override;
   int GetExitCode() const override { return FExitCode; }
+  const std::string& StartingDir() const { return FStartingDir; }
   bool GetCleanExit() const override { return FCleanExit; }
 
  protected:

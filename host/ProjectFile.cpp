@@ -51,25 +51,34 @@ std::unique_ptr<TProjectFile> TProjectFile::Load(const std::string& fileName) {
   file->FFileName = fileName;
   std::string error;
   if (!qv::platform::ReadWholeFile(fileName, file->FText, error))
-    throw qv::Exception("Cannot read project file \"" + fileName + "\" : " + error);
+    throw TProjectFileError(fileName, 0,
+                            "Cannot read project file \"" + fileName + "\" : " + error);
   const std::string& text = file->FText;
   if (text.starts_with("\xFF\xFE") || text.starts_with("\xFE\xFF"))
-    throw qv::Exception(fileName + ":1: A project file must be UTF-8 text, not UTF-16");
+    throw TProjectFileError(fileName, 1, "A project file must be UTF-8 text, not UTF-16");
   pugi::xml_parse_result parsed =
       file->FDoc.load_buffer(text.data(), text.size(), pugi::parse_default, pugi::encoding_utf8);
   if (!parsed)
-    throw qv::Exception(fileName + ":" + std::to_string(LineAt(text, parsed.offset)) + ": " +
-                        parsed.description());
+    throw TProjectFileError(fileName, static_cast<int64_t>(LineAt(text, parsed.offset)),
+                            parsed.description());
   file->ReadRoot();
   return file;
 }
 
-std::string TProjectFile::Where(pugi::xml_node node) const {
-  return FFileName + ":" + std::to_string(LineAt(FText, static_cast<size_t>(node.offset_debug())));
+TProjectFileError::TProjectFileError(std::string file, int64_t line, const std::string& reason)
+    : qv::Exception(line > 0 ? file + ":" + std::to_string(line) + ": " + reason : reason),
+      File(std::move(file)),
+      Line(line),
+      Reason(reason) {}
+
+TProjectFileError::~TProjectFileError() = default;
+
+int64_t TProjectFile::LineOf(pugi::xml_node node) const {
+  return static_cast<int64_t>(LineAt(FText, static_cast<size_t>(node.offset_debug())));
 }
 
 void TProjectFile::Fail(pugi::xml_node node, const std::string& message) const {
-  throw qv::Exception(Where(node) + ": " + message);
+  throw TProjectFileError(FFileName, LineOf(node), message);
 }
 
 void TProjectFile::CheckNoText(pugi::xml_node node) const {
@@ -80,7 +89,7 @@ void TProjectFile::CheckNoText(pugi::xml_node node) const {
 
 void TProjectFile::ReadRoot() {
   pugi::xml_node root = FDoc.document_element();
-  if (!root) throw qv::Exception(FFileName + ":1: The file holds no <QvProject> element");
+  if (!root) throw TProjectFileError(FFileName, 1, "The file holds no <QvProject> element");
   if (std::string_view(root.name()) != "QvProject")
     Fail(root, "The root element is <" + std::string(root.name()) + ">, not <QvProject>");
   CheckNoText(root);

@@ -21,6 +21,8 @@
 
 #include <pugixml.hpp>
 
+#include "QvExceptions.h"
+
 namespace qvhost {
 
 // A stored value: a "value" attribute, the element's text, or <Line> elements for a list.
@@ -51,6 +53,17 @@ struct TProjectAction {
   pugi::xml_node Node;
 };
 
+// A project file that cannot be read or set up: "FILE:LINE: reason", or (line 0) a reason
+// that names the file itself.
+class TProjectFileError : public qv::Exception {
+ public:
+  TProjectFileError(std::string file, int64_t line, const std::string& reason);
+  ~TProjectFileError() override;
+  std::string File;
+  int64_t Line;
+  std::string Reason;
+};
+
 // A loaded project file. It keeps the file's bytes so that values changed by a run can be
 // written back in place: only their text differs afterwards, every other byte (comments,
 // layout, line breaks, a byte-order mark) is kept.
@@ -66,8 +79,10 @@ class TProjectFile {
   const std::vector<TProjectPropertySet>& PropertySets() const { return FPropertySets; }
   const std::vector<TProjectAction>& Actions() const { return FActions; }
 
-  // "FILE:LINE" of a node, to head a message about it.
-  std::string Where(pugi::xml_node node) const;
+  // The line of a node in the file.
+  int64_t LineOf(pugi::xml_node node) const;
+  // Throws TProjectFileError "FILE:LINE: message" about `node`.
+  [[noreturn]] void Fail(pugi::xml_node node, const std::string& message) const;
 
   // Records that property `name` of `owner` (an <Action> or <PropertySet> element) now holds
   // `value` (with `asList`, lines as TStringList::Text gives them). A value equal to the
@@ -91,7 +106,6 @@ class TProjectFile {
   };
 
   TProjectFile() = default;
-  [[noreturn]] void Fail(pugi::xml_node node, const std::string& message) const;
   void ReadRoot();
   void ReadVariables(pugi::xml_node list);
   void ReadPropertySets(pugi::xml_node list);

@@ -100,8 +100,7 @@ void TRunner::CreateFromProject(const TProjectFile& file, const TProjectAction& 
                                 std::vector<TActionInstance>& into) {
   if (!source.Enabled) return;
   const TActionRegistration* type = FServices.FindAction(source.Type);
-  if (!type)
-    throw qv::Exception(file.Where(source.Node) + ": Unknown action type \"" + source.Type + "\"");
+  if (!type) file.Fail(source.Node, "Unknown action type \"" + source.Type + "\"");
   TActionInstance a = Create(*type);
   a.Source = &source;
   if (!source.Caption.empty()) a.Caption = source.Caption;
@@ -109,12 +108,11 @@ void TRunner::CreateFromProject(const TProjectFile& file, const TProjectAction& 
     try {
       a.Action->SetPropValue(p.Name, p.Value);
     } catch (const qv::Exception& e) {
-      throw qv::Exception(file.Where(p.Node) + ": " + e.what());
+      file.Fail(p.Node, e.what());
     }
   }
   if (source.HasNestedActions && !dynamic_cast<qv::TQvBaseIterator*>(a.Action.get()))
-    throw qv::Exception(file.Where(source.Node) + ": " + a.TypeName +
-                        " is not a loop action and cannot hold nested actions");
+    file.Fail(source.Node, a.TypeName + " is not a loop action and cannot hold nested actions");
   for (const auto& child : source.Actions)
     CreateFromProject(file, child, a.Children);
   into.push_back(std::move(a));
@@ -136,12 +134,16 @@ void TRunner::RequestStop() {
 }
 
 bool TRunner::RunList(std::vector<TActionInstance>& list) {
-  for (auto& a : list) {
+  for (size_t i = 0; i < list.size(); ++i) {
     if (FStop) {
       FEnv.Log.Message("The build was stopped by the user.", TStatusTag::Error);
+      FNotStarted += static_cast<int>(list.size() - i);
       return false;
     }
-    if (!RunOne(a)) return false;
+    if (!RunOne(list[i])) {
+      FNotStarted += static_cast<int>(list.size() - i - 1);
+      return false;
+    }
   }
   return true;
 }

@@ -52,6 +52,8 @@ class TRunner {
   // What the last run did, for the log's summary.
   int ActionsRun() const { return FRun; }
   int ActionsFailed() const { return FFailed; }
+  // Actions of the lists the run left that it did not start.
+  int ActionsNotStarted() const { return FNotStarted; }
   double Seconds() const { return FSeconds; }
   // Safe from any thread: asks the running action to terminate and starts no further one.
   void RequestStop();
@@ -82,7 +84,7 @@ class TRunner {
   const TProjectFile* FFile = nullptr;  // the project the actions came from, if any
   std::atomic<qv::TCustomQvAction*> FCurrent{nullptr};
   std::atomic<bool> FStop{false};
-  int FRun = 0, FFailed = 0;
+  int FRun = 0, FFailed = 0, FNotStarted = 0;
   double FSeconds = 0;
 };
 

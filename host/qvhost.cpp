@@ -1,10 +1,13 @@
 // qvhost: the reference host. Loads the package modules, then lists what they registered,
 // runs a project's build process, or runs one action.
 //   qvhost [OPTIONS] actions | run PROJECT | exec TYPE [NAME=VALUE | NAME+=LINE]...
-// Exit status: 0 success, 1 a build step failed, 2 bad usage or unreadable input.
+// Exit status: 0 success, 1 a build step failed, 2 bad usage or unreadable input, 130/143
+// interrupted.
 #include <CLI/CLI.hpp>
 
+#include <cstdlib>
 #include <iostream>
+#include <memory>
 
 #include "DotNetInfo.h"
 #include "HostPlatform.h"
@@ -34,6 +37,7 @@ struct TCommandLine {
   std::vector<std::string> Vars, Frameworks;
   std::string LogFormat = "text";
   std::string MSBuildEngine = "auto";
+  std::string Ci = "auto";
   bool NoColour = false, NoDefaultPackages = false;
   std::string Project, Type;
   std::vector<std::string> Assignments;
@@ -72,6 +76,10 @@ void AddGlobalOptions(CLI::App& app, TCommandLine& cl) {
                  "MSBuild.exe for v2.0 and v3.5: the .NET SDK's (dotnet), Mono's xbuild, or "
                  "dotnet where installed (auto)")
       ->check(CLI::IsMember({"auto", "dotnet", "xbuild"}, CLI::ignore_case));
+  app.add_option("--ci", cl.Ci,
+                 "CI annotations beside the text log: Azure Pipelines, GitHub Actions, TeamCity, "
+                 "none, or the server the environment names (auto)")
+      ->check(CLI::IsMember({"auto", "none", "azure", "github", "teamcity"}, CLI::ignore_case));
 }
 
 int Run(CLI::App& app, TCommandLine& cl) {
@@ -89,14 +97,24 @@ int Run(CLI::App& app, TCommandLine& cl) {
       qvhost::MSBuildLauncherFolder(qv::ExtractFileDir(qv::platform::ExecutablePath()), engine);
   s.LogFormat = cl.LogFormat == "jsonl" ? qvhost::TLogFormat::JsonLines : qvhost::TLogFormat::Text;
   s.Colour = s.LogFormat == qvhost::TLogFormat::Text && qvhost::UseColour(cl.NoColour);
+  if (!qvhost::ParseCiDialect(cl.Ci, s.Ci))
+    s.Ci = qvhost::DetectCiDialect([](const char* name) { return std::getenv(name); });
+  std::unique_ptr<qvhost::THostSession> session;
   try {
-    qvhost::THostSession session(s, std::cout);
-    qvhost::platform::TInterruptWatcher watcher([&session] { session.RequestStop(); });
-    if (app.got_subcommand("run")) return session.RunProject(cl.Project);
+    session = std::make_unique<qvhost::THostSession>(s, std::cout);
+    qvhost::platform::TInterruptWatcher watcher(
+        [&session](int status) { session->RequestStop(status); });
+    if (app.got_subcommand("run")) return session->RunProject(cl.Project);
     if (app.got_subcommand("exec"))
-      return session.ExecAction(cl.Type, cl.Assignments, s.PropertySetValues);
-    return session.ListActions();
+      return session->ExecAction(cl.Type, cl.Assignments, s.PropertySetValues);
+    return session->ListActions();
+  } catch (const qvhost::TProjectFileError& e) {
+    if (session) session->ReportInputError(e.File, e.Line, e.what());
+    session.reset();
+    std::cerr << "qvhost: " << e.what() << "\n";
+    return qvhost::kExitBadInput;
   } catch (const std::exception& e) {
+    session.reset();
     std::cout.flush();
     std::cerr << "qvhost: " << e.what() << "\n";
     return qvhost::kExitBadInput;
@@ -110,7 +128,8 @@ int main(int argc, char** argv) {
   app.set_version_flag("--version", "qvhost " QV_HOST_VERSION);
   app.footer(
       "Global options may follow the command word too.\n"
-      "Exit status: 0 success, 1 a build step failed, 2 bad usage or unreadable input.");
+      "Exit status: 0 success, 1 a build step failed, 2 bad usage or unreadable input,\n"
+      "130 interrupted (Ctrl-C), 143 terminated (SIGTERM).");
   TCommandLine cl;
   AddGlobalOptions(app, cl);
   app.fallthrough();

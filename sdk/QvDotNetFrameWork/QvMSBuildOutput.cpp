@@ -6,6 +6,7 @@
 
 #include "QvActions.h"
 #include "QvCounts.h"
+#include "QvUtils.h"
 
 namespace qv {
 
@@ -391,6 +392,11 @@ void TQvMSBuildStructuredOutputHelper::Diagnostic(bool error, std::string_view p
     FText += "MSBUILD : ";
   } else {
     AppendUnescaped(FText, file);
+    // Tasks may name a file relative to their project; a reader needs a path to open.
+    FField.clear();
+    AppendUnescaped(FField, project);
+    if (size_t slash = FField.find_last_of("/\\"); slash != std::string::npos)
+      FText = ExpandRelativePath(FText, FField.substr(0, slash));
     int lineNumber = ToInt(line), columnNumber = ToInt(column);
     if (lineNumber == 0) {
       FText += " : ";

@@ -24,7 +24,8 @@
 //   .metaproj) and for internal target calls (every target named Get... or ...OutputGroup,
 //   such as GetTargetPath or GetCopyToOutputDirectoryItems), which open none;
 //   projectFinished closes that project's group with tag 1 (success) or 3 (failure).
-// - error and warning are logged with tag 3 and 2 as "file(line,col): error CODE: message"
+// - error and warning are logged with tag 3 and 2 as "file(line,col): error CODE: message",
+//   a relative file made absolute against the folder of the project that reported it
 //   ("file(line): ", "file : " or "MSBUILD : " when the position or file is unknown), with
 //   " [projectFile]" behind when the project that raised it is not the open group's; each
 //   counts once.

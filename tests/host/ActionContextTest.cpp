@@ -30,6 +30,7 @@ TEST(TActionContext, ReportsExpansionFailuresUnderTheCaption) {
   EXPECT_TRUE(f.Context->TryExpandExpression("Solution Path", "%Known%", result, true));
   EXPECT_EQ(result, "yes");
   EXPECT_FALSE(f.Context->TryExpandExpression("Solution Path", "%Unknown%\\a.sln", result, true));
+  f.Log->Flush();
   EXPECT_EQ(f.Out.str(), "[error] Solution Path: Variable \"Unknown\" is not defined\n");
   EXPECT_EQ(f.Context->GetVariableValue("KNOWN"), "yes");
   EXPECT_EQ(f.Context->GetVariableValue("Unknown"), "");

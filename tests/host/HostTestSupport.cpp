@@ -32,18 +32,21 @@ qvtest::CommandResult RunQvhost(const qvtest::TempDir& dir, const std::string& a
   return qvtest::RunCommand(QvhostCommand(dir, args, env));
 }
 
+// Replaces each number behind " in " (when " s" follows), "time": or "seconds": by "T".
 std::string WithoutTimes(std::string_view log) {
   std::string out;
   size_t pos = 0;
   while (pos < log.size()) {
-    size_t at = log.find(" in ", pos);
+    size_t at = std::string_view::npos, len = 0;
+    for (std::string_view marker : {" in ", "\"time\":", "\"seconds\":"})
+      if (size_t p = log.find(marker, pos); p < at) at = p, len = marker.size();
     if (at == std::string_view::npos) break;
-    size_t end = at + 4;
+    size_t end = at + len;
     while (end < log.size() && (isdigit(static_cast<unsigned char>(log[end])) || log[end] == '.'))
       ++end;
-    bool time = end > at + 4 && log.substr(end, 2) == " s";
-    out.append(log.substr(pos, at + 4 - pos));
-    out += time ? "T" : std::string(log.substr(at + 4, end - at - 4));
+    bool time = end > at + len && (len != 4 || log.substr(end, 2) == " s");
+    out.append(log.substr(pos, at + len - pos));
+    out += time ? "T" : std::string(log.substr(at + len, end - at - len));
     pos = end;
   }
   out.append(log.substr(pos));

@@ -28,7 +28,7 @@ TEST(TProjectFile, ReadsVariablesPropertySetsAndNestedActions) {
   EXPECT_TRUE(loop.Properties.at(0).IsList);
   EXPECT_EQ(loop.Properties.at(0).Value, "a\r\n\r\n");
   EXPECT_EQ(loop.Actions.at(0).Properties.at(0).Value, " x ");
-  EXPECT_EQ(project->Where(loop.Actions.at(0).Node), project->FileName() + ":10");
+  EXPECT_EQ(project->LineOf(loop.Actions.at(0).Node), 10);
 }
 
 TEST(TProjectFile, ReportsAMalformedFileWithItsLine) {

@@ -115,17 +115,23 @@ TEST(Qvhost, WritesJsonLinesAndExpandsVariablesByPrecedence) {
   auto r = RunQvhost(dir, "run p.qvproj --log-format jsonl --var Config=Release",
                      "QVTEST_USER=ci Config=FromEnvironment");
   EXPECT_EQ(r.exitCode, 0) << r.err;
-  EXPECT_EQ(r.out,
-            "{\"event\":\"actionStart\",\"type\":\"TQvTestLogAction\",\"caption\":\"Say it\"}\n"
-            "{\"event\":\"message\",\"text\":\"Building Release for ci\",\"tag\":0,\"depth\":0}\n"
-            "{\"event\":\"groupStart\",\"title\":\"Details\",\"groupType\":1,\"tag\":0,"
-            "\"depth\":0}\n"
-            "{\"event\":\"message\",\"text\":\"one\",\"tag\":0,\"depth\":1}\n"
-            "{\"event\":\"groupEnd\",\"tag\":1,\"depth\":0}\n"
-            "{\"event\":\"message\",\"text\":\"Warning 1\",\"tag\":2,\"depth\":0}\n"
-            "{\"event\":\"metric\",\"group\":\"Compiler\",\"name\":\"Warnings\",\"value\":1}\n"
-            "{\"event\":\"metric\",\"group\":\"Compiler\",\"name\":\"Errors\",\"value\":0}\n"
-            "{\"event\":\"actionEnd\",\"success\":true}\n");
+  EXPECT_EQ(
+      WithoutTimes(r.out),
+      "{\"event\":\"actionStart\",\"type\":\"TQvTestLogAction\",\"caption\":\"Say "
+      "it\",\"time\":T}\n"
+      "{\"event\":\"message\",\"text\":\"Building Release for "
+      "ci\",\"tag\":0,\"depth\":0,\"time\":T}\n"
+      "{\"event\":\"groupStart\",\"title\":\"Details\",\"groupType\":1,\"tag\":0,"
+      "\"depth\":0,\"time\":T}\n"
+      "{\"event\":\"message\",\"text\":\"one\",\"tag\":0,\"depth\":1,\"time\":T}\n"
+      "{\"event\":\"groupEnd\",\"tag\":1,\"depth\":0,\"time\":T}\n"
+      "{\"event\":\"message\",\"text\":\"Warning 1\",\"tag\":2,\"depth\":0,\"time\":T}\n"
+      "{\"event\":\"metric\",\"group\":\"Compiler\",\"name\":\"Warnings\",\"value\":1,\"time\":T}\n"
+      "{\"event\":\"metric\",\"group\":\"Compiler\",\"name\":\"Errors\",\"value\":0,\"time\":T}\n"
+      "{\"event\":\"actionEnd\",\"success\":true,\"seconds\":T,\"time\":T}\n"
+      "{\"event\":\"runEnd\",\"success\":true,\"errors\":0,\"warnings\":0,\"actions\":1,"
+      "\"failed\":0,\"saved\":true,\"interrupted\":false,\"notStarted\":0,\"seconds\":T,"
+      "\"metrics\":{\"Compiler.Warnings\":1,\"Compiler.Errors\":0},\"time\":T}\n");
   r = RunQvhost(dir, "--no-color run p.qvproj", "QVTEST_USER=ci");
   EXPECT_EQ(WithoutTimes(r.out),
             "Action: Say it (TQvTestLogAction)\n"
@@ -136,6 +142,7 @@ TEST(Qvhost, WritesJsonLinesAndExpandsVariablesByPrecedence) {
             "  [warn] Warning 1\n"
             "[ok] Say it succeeded in T s\n"
             "\n"
+            "0 Error(s), 0 Warning(s)\n"
             "Metrics:\n"
             "  Compiler.Warnings = 1\n"
             "  Compiler.Errors = 0\n"
@@ -170,26 +177,31 @@ TEST(Qvhost, KeepsPasswordsOutOfLogsAndProjectFiles) {
   EXPECT_NE(again.out.find("Signed in as ci with a password of 7 characters"), std::string::npos);
 }
 
-TEST(Qvhost, TerminationStopsTheRunningProcess) {
-  TempDir dir;
-  dir.Write("p.qvproj",
-            "<QvProject><Actions><Action type='Run Program'>"
-            "<Property name='Program'>/bin/sh</Property>"
-            "<Property name='Arguments'>-c \"touch started; exec sleep 30\"</Property>"
-            "</Action></Actions></QvProject>");
-  auto start = std::chrono::steady_clock::now();
-  auto r = qvtest::RunCommand("((" + qvhosttest::QvhostCommand(dir, "run p.qvproj") +
-                              ") & pid=$!; while [ ! -e " + ShellQuote(dir.File("started")) +
-                              " ]; do sleep 0.05; done; kill -TERM $pid; wait $pid)");
-  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20));
-  EXPECT_EQ(r.exitCode, 1) << r.out << r.err;
-  EXPECT_EQ(WithoutTimes(r.out),
-            "Action: Run Program (TQvTestRunAction)\n"
-            "  Running /bin/sh with parameters : -c \"touch started; exec sleep 30\"\n"
-            "  [error] Action Terminated by User.\n"
-            "[error] Run Program failed in T s\n"
-            "\n"
-            "[error] Build failed: 1 of 1 action failed in T s\n");
+TEST(Qvhost, InterruptionStopsTheRunningProcessAndEndsWithItsStatus) {
+  for (auto [signal, status] : {std::pair{"TERM", 143}, std::pair{"INT", 130}}) {
+    TempDir dir;
+    dir.Write("p.qvproj",
+              "<QvProject><Actions><Action type='Run Program'>"
+              "<Property name='Program'>/bin/sh</Property>"
+              "<Property name='Arguments'>-c \"touch started; exec sleep 30\"</Property>"
+              "</Action><Action type='Log Messages'/></Actions></QvProject>");
+    auto start = std::chrono::steady_clock::now();
+    // qvhost handles SIGINT even where the shell starts background jobs ignoring it.
+    auto r = qvtest::RunCommand(
+        "((" + qvhosttest::QvhostCommand(dir, "run p.qvproj") +
+        ") & pid=$!; for i in $(seq 400); do [ -e " + ShellQuote(dir.File("started")) +
+        " ] && break; sleep 0.05; done; kill -" + signal + " $pid; wait $pid)");
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20));
+    EXPECT_EQ(r.exitCode, status) << r.out << r.err;
+    EXPECT_EQ(WithoutTimes(r.out),
+              "Action: Run Program (TQvTestRunAction)\n"
+              "  Running /bin/sh with parameters : -c \"touch started; exec sleep 30\"\n"
+              "  [error] Action Terminated by User.\n"
+              "[error] Run Program failed in T s\n"
+              "\n"
+              "0 Error(s), 0 Warning(s)\n"
+              "[error] Build interrupted: 1 action run, 1 not started in T s\n");
+  }
 }
 
 }  // namespace

@@ -44,6 +44,7 @@ TEST(TRunner, SavesDynamicPropertiesAndPropertySetsBackInPlace) {
               "  Building Release\n"
               "[ok] Log Messages succeeded in 0.000 s\n"
               "\n"
+              "0 Error(s), 0 Warning(s)\n"
               "Metrics:\n"
               "  Compiler.Warnings = 0\n"
               "  Compiler.Errors = 0\n"
@@ -99,6 +100,7 @@ TEST(TRunner, RunsNestedActionsOncePerIterationWithTheLoopVariable) {
                 "  [error] Text: Variable \"Target\" is not defined\n"
                 "[error] Log Messages failed in 0.000 s\n"
                 "\n"
+                "0 Error(s), 0 Warning(s)\n"
                 "Metrics:\n"
                 "  Compiler.Warnings = 0\n"
                 "  Compiler.Errors = 0\n"
@@ -132,6 +134,7 @@ TEST(TRunner, CatchesEveryWayAnActionFailsAndStopsTheBuild) {
                                   "  [error] Trying\n"
                                   "[error] Fail failed in 0.000 s\n"
                                   "\n"
+                                  "0 Error(s), 0 Warning(s)\n"
                                   "[error] Build failed: 1 of 1 action failed in 0.000 s\n")
         << c.mode;
   }
@@ -147,6 +150,7 @@ TEST(TRunner, ReportsValidationErrorsWithoutExecuting) {
             "  [error] Text: There is nothing to log\n"
             "[error] Log Messages failed in 0.000 s\n"
             "\n"
+            "0 Error(s), 0 Warning(s)\n"
             "[error] Build failed: 1 of 1 action failed in 0.000 s\n");
 }
 
@@ -179,12 +183,13 @@ TEST(TRunner, AStopRequestedBeforehandRunsNothing) {
       dir.Write("stop.qvproj", Project("<Action type='Log Messages' caption='x'>"
                                        "<Property name='Text'>never</Property></Action>"));
   TestHost host(dir);
-  host.Session->RequestStop();
-  EXPECT_EQ(host.Session->RunProject(file), qvhost::kExitBuildFailed);
+  host.Session->RequestStop(130);
+  EXPECT_EQ(host.Session->RunProject(file), 130);
   EXPECT_EQ(host.Out.str(),
             "[error] The build was stopped by the user.\n"
             "\n"
-            "[error] Build failed: 0 of 0 actions failed in 0.000 s\n");
+            "0 Error(s), 0 Warning(s)\n"
+            "[error] Build interrupted: 0 actions run, 1 not started in 0.000 s\n");
 }
 
 }  // namespace

@@ -2,6 +2,8 @@
 // Mono's xbuild building real solutions.
 #include <gtest/gtest.h>
 
+#include "QvSysUtils.h"
+
 #include <algorithm>
 #include <filesystem>
 #include <string>
@@ -109,13 +111,18 @@ TEST_F(MonoMSBuild, CompileErrorIsLoggedInsideItsProjectGroup) {
   EXPECT_EQ(run.result.exitCode, 1) << run.result.out;
   // Minimal verbosity lets only high-importance messages through; mcs places the #warning
   // on the line after the directive.
+  std::string greeter = qv::ExtractFileDir(solution) + "/Broken/Greeter.cs";
   EXPECT_EQ(run.ctx->Transcript(),
             "> Project Broken.csproj (type 0) [0]\n"
             "  [0] Configuration: Release Platform: AnyCPU\n"
-            "  [2] Greeter.cs(8): warning CS1030: #warning: `Half done'\n"
-            "  [3] Greeter.cs(8,32): error CS0103: The name `missingName' does not exist in the "
-            "current context\n"
-            "< [3]\n");
+            "  [2] " +
+                greeter +
+                "(8): warning CS1030: #warning: `Half done'\n"
+                "  [3] " +
+                greeter +
+                "(8,32): error CS0103: The name `missingName' does not exist in the "
+                "current context\n"
+                "< [3]\n");
   EXPECT_EQ(run.helper.GetErrorCount(), 1);
   EXPECT_EQ(run.helper.GetWarningCount(), 1);
 }

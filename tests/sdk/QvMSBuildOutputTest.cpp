@@ -56,8 +56,8 @@ TEST(MSBuildStructuredOutput, LoggerLinesGiveOneGroupPerBuiltProject) {
             "  [0] Configuration: Release Platform: AnyCPU\n"
             "< [1]\n"
             "> Project App.csproj (type 0) [0]\n"
-            "  [2] Main.cs(7): warning CS1030: #warning: `Half done'\n"
-            "  [3] Main.cs(8,32): error CS0103: The name `x' does not exist\n"
+            "  [2] /src/App/Main.cs(7): warning CS1030: #warning: `Half done'\n"
+            "  [3] /src/App/Main.cs(8,32): error CS0103: The name `x' does not exist\n"
             "  [0] fields a later logger adds\n"
             "< [3]\n");
   EXPECT_EQ(r.helper.GetErrorCount(), 1);
@@ -73,7 +73,7 @@ TEST(MSBuildStructuredOutput, FormatsDiagnosticsCanonically) {
   const Case cases[] = {
       {"no column",
        {"@@qv:warning\t/src/Lib/Lib.csproj\ta.cs\t3\t0\tCS2\tm"},
-       "[2] a.cs(3): warning CS2: m"},
+       "[2] /src/Lib/a.cs(3): warning CS2: m"},
       {"no position", {"@@qv:warning\t\ta.resx\t0\t0\tMSB3\tm"}, "[2] a.resx : warning MSB3: m"},
       {"no file", {"@@qv:error\t\t\t0\t0\tMSB4\tm"}, "[3] MSBUILD : error MSB4: m"},
       {"no code, bad numbers", {"@@qv:error\t\ta.cs\t1\tx\t\tm"}, "[3] a.cs(1): error : m"},
@@ -83,7 +83,7 @@ TEST(MSBuildStructuredOutput, FormatsDiagnosticsCanonically) {
       {"raised inside an internal call",
        {"@@qv:projectStarted\t/src/Other/Other.csproj\tGetTargetPath",
         "@@qv:error\t/src/Other/Other.csproj\ta.cs\t1\t1\tCS4\tm"},
-       "[3] a.cs(1,1): error CS4: m [/src/Other/Other.csproj]"},
+       "[3] /src/Other/a.cs(1,1): error CS4: m [/src/Other/Other.csproj]"},
       {"raised by the solution about itself",
        {"@@qv:projectFinished\t/src/Lib/Lib.csproj\tFalse",
         "@@qv:error\t/src/App.sln\t/src/App.sln\t0\t0\tMSB3202\tnot found"},
@@ -143,12 +143,12 @@ TEST(MSBuildStructuredOutput, InterleavedInstancesLogAsTheirOwnGroups) {
           "@@qv:projectStarted\t/src/C/C.csproj\t\t6\t1", "@@qv:buildFinished\tFalse"});
   EXPECT_EQ(r.ctx->Transcript(),
             "> Project A.csproj (type 0) [0]\n"
-            "  [3] A.cs(1,2): error CS0103: missing\n"
+            "  [3] /src/A/A.cs(1,2): error CS0103: missing\n"
             "< [3]\n"
             "> Project B.csproj (type 0) [0]\n"
             "  [0] B compiles\n"
             "  > Project Lib.csproj (type 0) [0]\n"
-            "    [2] L.cs(3): warning CS0219: unused\n"
+            "    [2] /src/Lib/L.cs(3): warning CS0219: unused\n"
             "  < [1]\n"
             "< [1]\n"
             "> Project C.csproj (type 0) [0]\n"
