@@ -1,5 +1,9 @@
 #include "Catalog.h"
 
+#include "QvActions.h"
+#include "QvSysUtils.h"
+#include "QvUtils.h"
+
 namespace qvhost {
 
 namespace {
@@ -71,6 +75,97 @@ std::string DescribeRegistrations(const THostServices& s, bool designTime) {
                    o.Options->GetOptionKey() + "  icon " + o.Icon;
           }));
   if (designTime) DesignTimeSections(out, s);
+  return out;
+}
+
+namespace {
+
+struct TPropertyFacts {
+  std::string Name, Type, Default, Alias, Help;
+  std::vector<std::string> Values;
+  bool Stored;
+};
+
+// "Name=Text" lines by property name; "[Section]" lines of the alias list name the page
+// section the aliases after them belong to.
+std::string TextFor(const qv::TStringList& lines, std::string_view name, bool sections) {
+  std::string section;
+  for (const std::string& line : lines) {
+    if (sections && line.starts_with("[") && line.ends_with("]")) {
+      section = line.substr(1, line.size() - 2);
+      continue;
+    }
+    size_t eq = line.find('=');
+    if (eq != std::string::npos && qv::SameText(line.substr(0, eq), name))
+      return line.substr(eq + 1) + (section.empty() ? "" : " (" + section + ")");
+  }
+  return {};
+}
+
+std::vector<TPropertyFacts> Facts(const qv::TCustomQvAction& action) {
+  static const char* const kTypes[] = {"Boolean", "Integer", "String", "StringList", ""};
+  qv::TStringList aliases, help;
+  action.GetPropertyAlias(aliases);
+  action.GetPropertyHelp(help);
+  std::vector<TPropertyFacts> facts;
+  for (const qv::TPropDescriptor* d : action.GetPropertyTable().All()) {
+    TPropertyFacts f{std::string(d->Name),
+                     kTypes[static_cast<int>(d->Type)],
+                     qv::TQvPersistent::GetPropText(action, *d),
+                     TextFor(aliases, d->Name, true),
+                     TextFor(help, d->Name, false),
+                     {},
+                     d->Stored};
+    if (d->Enum) {
+      f.Type = std::string(d->Enum->Name);
+      for (std::string_view v : d->Enum->Values)
+        f.Values.emplace_back(v);
+    }
+    facts.push_back(std::move(f));
+  }
+  return facts;
+}
+
+std::string JsonList(const std::vector<std::string>& items) {
+  std::string s = "[";
+  for (const auto& item : items)
+    s += (s.size() > 1 ? "," : "") + qv::JsonString(item);
+  return s + "]";
+}
+
+}  // namespace
+
+std::string DescribeAction(const TActionRegistration& type, const qv::TCustomQvAction& action,
+                           bool json) {
+  std::vector<TPropertyFacts> facts = Facts(action);
+  std::string out;
+  if (json) {
+    out = "{\"class\":" + qv::JsonString(type.Class->ClassName) +
+          ",\"caption\":" + qv::JsonString(type.Caption) + ",\"properties\":[";
+    for (size_t i = 0; i < facts.size(); ++i) {
+      const auto& f = facts[i];
+      out += std::string(i ? "," : "") + "{\"name\":" + qv::JsonString(f.Name) +
+             ",\"type\":" + qv::JsonString(f.Type) + ",\"default\":" + qv::JsonString(f.Default) +
+             ",\"stored\":" + (f.Stored ? "true" : "false");
+      if (!f.Values.empty()) out += ",\"values\":" + JsonList(f.Values);
+      if (!f.Alias.empty()) out += ",\"alias\":" + qv::JsonString(f.Alias);
+      if (!f.Help.empty()) out += ",\"help\":" + qv::JsonString(f.Help);
+      out += "}";
+    }
+    return out + "]}\n";
+  }
+  out = Quoted(type.Caption) + " (" + std::string(type.Class->ClassName) + "), " +
+        std::to_string(facts.size()) + " properties:\n";
+  for (const auto& f : facts) {
+    std::string def =
+        f.Default.find_first_of("\r\n") == std::string::npos
+            ? Quoted(f.Default)
+            : Quoted(qv::StringReplaceAll(qv::StringReplaceAll(f.Default, "\r", ""), "\n", "\\n"));
+    out += "  " + f.Name + ": " + f.Type + " = " + def + (f.Stored ? "" : " (not stored)") + "\n";
+    if (!f.Values.empty()) out += "      one of " + Join(f.Values) + "\n";
+    if (!f.Alias.empty()) out += "      shown as " + f.Alias + "\n";
+    if (!f.Help.empty()) out += "      " + f.Help + "\n";
+  }
   return out;
 }
 

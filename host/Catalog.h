@@ -13,4 +13,10 @@ namespace qvhost {
 // editors, action pages and option pages. An empty section reads "(none)".
 std::string DescribeRegistrations(const THostServices& services, bool designTime);
 
+// What `qvhost describe` prints: every published property of `action` (a fresh instance of
+// `type`) in declaration order with its type, default, enumeration values, whether it is
+// stored, and the alias and help texts the action gives; as text or as one JSON object.
+std::string DescribeAction(const TActionRegistration& type, const qv::TCustomQvAction& action,
+                           bool json);
+
 }  // namespace qvhost

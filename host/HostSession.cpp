@@ -103,8 +103,7 @@ int THostSession::RunProject(const std::string& fileName) {
 
 int THostSession::ExecAction(const std::string& type, const std::vector<std::string>& assignments,
                              const std::vector<std::pair<std::string, std::string>>& setValues) {
-  const TActionRegistration* registration = FServices.FindAction(type);
-  if (!registration) throw qv::Exception("Unknown action type \"" + type + "\"");
+  const TActionRegistration& registration = RequireAction(type);
   TRunner& runner = NewRunner();
   // SET.NAME=VALUE: property names hold no point, set names may.
   for (const auto& [key, value] : setValues) {
@@ -114,7 +113,7 @@ int THostSession::ExecAction(const std::string& type, const std::vector<std::str
                           "\"");
     runner.SetPropertySetValue(key.substr(0, dot), key.substr(dot + 1), value);
   }
-  TActionInstance& action = runner.AddAction(*registration);
+  TActionInstance& action = runner.AddAction(registration);
   for (const auto& assignment : assignments)
     ApplyAssignment(*action.Action, assignment);
   return RunAndSave(runner, nullptr);
@@ -144,6 +143,52 @@ int THostSession::RunAndSave(TRunner& runner, TProjectFile* project) {
   FLog->RunEnd(summary);
   if (summary.Interrupted) return summary.Interrupted;
   return ok && saved ? kExitSuccess : kExitBuildFailed;
+}
+
+const TActionRegistration& THostSession::RequireAction(const std::string& type) const {
+  const TActionRegistration* registration = FServices.FindAction(type);
+  if (!registration)
+    throw qv::Exception("Unknown action type \"" + type + "\" (qvhost actions lists the types)");
+  return *registration;
+}
+
+int THostSession::DescribeAction(const std::string& type, bool json) {
+  const TActionRegistration& registration = RequireAction(type);
+  TActionInstance& action = NewRunner().AddAction(registration);
+  FOut << qvhost::DescribeAction(registration, *action.Action, json) << std::flush;
+  return kExitSuccess;
+}
+
+int THostSession::CheckProject(const std::string& fileName) {
+  FProject = TProjectFile::Load(fileName);
+  TRunner& runner = NewRunner();
+  std::vector<TCheckFinding> findings;
+  int actions = 0;
+  try {
+    runner.LoadProject(*FProject);
+    findings = runner.Check();
+    std::function<void(const std::vector<TActionInstance>&)> count = [&](const auto& list) {
+      for (const auto& a : list)
+        ++actions, count(a.Children);
+    };
+    count(runner.Actions());
+  } catch (const TProjectFileError& e) {
+    FOut << e.what() << "\n";
+    return kExitBuildFailed;
+  }
+  int errors = 0;
+  for (const auto& f : findings) {
+    errors += f.Error ? 1 : 0;
+    std::string where =
+        f.Action->Source
+            ? fileName + ":" + std::to_string(FProject->LineOf(f.Action->Source->Node)) + ": "
+            : "";
+    FOut << where << (f.Error ? "" : "warning: ") << f.Action->Caption << ": " << f.Text << "\n";
+  }
+  FOut << "Checked " << actions << (actions == 1 ? " action: " : " actions: ") << errors
+       << (errors == 1 ? " problem, " : " problems, ") << findings.size() - errors
+       << (findings.size() - errors == 1 ? " warning\n" : " warnings\n") << std::flush;
+  return errors ? kExitBuildFailed : kExitSuccess;
 }
 
 void THostSession::ReportInputError(std::string_view file, int64_t line, std::string_view text) {

@@ -66,6 +66,13 @@ class THostSession {
   // `setValues` ("SET.NAME", VALUE) fill property sets the action may read.
   int ExecAction(const std::string& type, const std::vector<std::string>& assignments,
                  const std::vector<std::pair<std::string, std::string>>& setValues = {});
+  // Prints the published properties of the action type named by class name or caption.
+  // Throws qv::Exception for an unknown type.
+  int DescribeAction(const std::string& type, bool json);
+  // A dry run of a project (see TRunner::Check), printed one finding a line. Returns
+  // kExitSuccess when nothing but warnings was found, else kExitBuildFailed; throws
+  // TProjectFileError when the project cannot be read.
+  int CheckProject(const std::string& fileName);
   // Safe from any thread, at any time: stops the build (see TRunner::RequestStop), which then
   // ends with `exitStatus` (130 after an interrupt, 143 after a termination request).
   void RequestStop(int exitStatus);
@@ -84,6 +91,8 @@ class THostSession {
   void InstallMetabase(const THostSettings& settings);
   std::vector<std::string> PackageFiles(const THostSettings& settings) const;
   TRunner& NewRunner();
+  // The registration of `type` (class name or caption); throws qv::Exception when none.
+  const TActionRegistration& RequireAction(const std::string& type) const;
   int RunAndSave(TRunner& runner, TProjectFile* project);
 
   std::ostream& FOut;

@@ -176,6 +176,62 @@ bool TRunner::Validate(TActionInstance& a) {
   return valid && errors->Lines.empty();
 }
 
+std::vector<TCheckFinding> TRunner::Check() {
+  std::vector<TCheckFinding> findings;
+  for (auto& a : FActions)
+    Check(a, findings);
+  return findings;
+}
+
+void TRunner::Check(TActionInstance& a, std::vector<TCheckFinding>& findings) {
+  qv::IntfPtr<TValidationErrors> errors(new TValidationErrors), warnings(new TValidationErrors);
+  auto guarded = [&](const std::function<void()>& step) {
+    try {
+      step();
+    } catch (const std::exception& e) {
+      errors->Lines.push_back(e.what());
+    }
+  };
+  guarded([&] {
+    if (!a.Action->Validate(errors.Get()) && errors->Lines.empty())
+      errors->Lines.push_back("the action's settings are not valid");
+  });
+  bool valid = errors->Lines.empty();
+  // Settings that name a loop variable take their values only while the loop runs.
+  bool usesLoopVariable = false;
+  for (const qv::TPropDescriptor* d : a.Action->GetPropertyTable().All()) {
+    if (d->Type != qv::TPropType::String && d->Type != qv::TPropType::StringList) continue;
+    std::string text = qv::TQvPersistent::GetPropText(*a.Action, *d);
+    if (text.find('%') == std::string::npos) continue;
+    for (const auto& var : FCheckLoopVariables)
+      usesLoopVariable =
+          usesLoopVariable || qv::FindText(text, "%" + var + "%") != std::string::npos;
+    try {
+      FEnv.Expander.Expand(text);
+    } catch (const std::exception& e) {
+      errors->Lines.push_back(std::string(d->Name) + ": " + e.what());
+    }
+  }
+  if (valid && !usesLoopVariable)
+    guarded([&] { a.Action->CheckSettings(errors.Get(), warnings.Get()); });
+  // A property that fails to expand may fail the action's own check the same way.
+  for (bool error : {true, false})
+    for (const auto& line : (error ? errors : warnings)->Lines)
+      if (std::none_of(findings.begin(), findings.end(),
+                       [&](const TCheckFinding& f) { return f.Action == &a && f.Text == line; }))
+        findings.push_back({&a, error, line});
+  auto* loop = dynamic_cast<qv::TQvBaseIterator*>(a.Action.get());
+  std::string var = loop ? loop->GetVariableName() : std::string();
+  if (!var.empty()) {
+    FEnv.Expander.PushLoopVariable(var, "");
+    FCheckLoopVariables.push_back(var);
+  }
+  TLoopVariableScope scope{FEnv.Expander, !var.empty()};
+  for (auto& child : a.Children)
+    Check(child, findings);
+  if (!var.empty()) FCheckLoopVariables.pop_back();
+}
+
 bool TRunner::Guarded(const std::function<bool()>& step) {
   try {
     return step();

@@ -28,6 +28,13 @@ struct TActionInstance {
   std::vector<TActionInstance> Children;
 };
 
+// What a dry run found about one action.
+struct TCheckFinding {
+  const TActionInstance* Action;
+  bool Error;  // or else a warning
+  std::string Text;
+};
+
 class TRunner {
  public:
   using TClock = std::function<double()>;  // seconds since any fixed moment
@@ -55,6 +62,9 @@ class TRunner {
   // Actions of the lists the run left that it did not start.
   int ActionsNotStarted() const { return FNotStarted; }
   double Seconds() const { return FSeconds; }
+  // A dry run: validates every action (nested ones too), lets each check its settings, and
+  // expands every property that holds a variable; starts nothing and writes nothing.
+  std::vector<TCheckFinding> Check();
   // Safe from any thread: asks the running action to terminate and starts no further one.
   void RequestStop();
 
@@ -72,6 +82,7 @@ class TRunner {
   bool RunList(std::vector<TActionInstance>& list);
   bool RunOne(TActionInstance& a);
   bool Validate(TActionInstance& a);
+  void Check(TActionInstance& a, std::vector<TCheckFinding>& findings);
   bool RunLoop(TActionInstance& a, qv::TQvBaseIterator& loop);
   bool RunAs(qv::TCustomQvAction& action, const std::function<bool()>& step);
   bool Guarded(const std::function<bool()>& step);
@@ -85,6 +96,7 @@ class TRunner {
   std::atomic<qv::TCustomQvAction*> FCurrent{nullptr};
   std::atomic<bool> FStop{false};
   int FRun = 0, FFailed = 0, FNotStarted = 0;
+  std::vector<std::string> FCheckLoopVariables;  // of the loops around the action checked
   double FSeconds = 0;
 };
 

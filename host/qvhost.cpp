@@ -38,6 +38,7 @@ struct TCommandLine {
   std::string LogFormat = "text";
   std::string MSBuildEngine = "auto";
   std::string Ci = "auto";
+  std::string Format = "text";
   bool NoColour = false, NoDefaultPackages = false;
   std::string Project, Type;
   std::vector<std::string> Assignments;
@@ -105,11 +106,14 @@ int Run(CLI::App& app, TCommandLine& cl) {
     qvhost::platform::TInterruptWatcher watcher(
         [&session](int status) { session->RequestStop(status); });
     if (app.got_subcommand("run")) return session->RunProject(cl.Project);
+    if (app.got_subcommand("describe"))
+      return session->DescribeAction(cl.Type, cl.Format == "json");
+    if (app.got_subcommand("check")) return session->CheckProject(cl.Project);
     if (app.got_subcommand("exec"))
       return session->ExecAction(cl.Type, cl.Assignments, s.PropertySetValues);
     return session->ListActions();
   } catch (const qvhost::TProjectFileError& e) {
-    if (session) session->ReportInputError(e.File, e.Line, e.what());
+    if (session) session->ReportInputError(e.File, e.Line, e.Reason);
     session.reset();
     std::cerr << "qvhost: " << e.what() << "\n";
     return qvhost::kExitBadInput;
@@ -137,6 +141,14 @@ int main(int argc, char** argv) {
   app.add_subcommand("actions", "Lists what the loaded packages registered");
   CLI::App* run = app.add_subcommand("run", "Runs the build process of a project file");
   run->add_option("PROJECT", cl.Project, "The project file")->required();
+  CLI::App* describe =
+      app.add_subcommand("describe", "Lists an action's published properties and their defaults");
+  describe->add_option("TYPE", cl.Type, "The action's class name or caption")->required();
+  describe->add_option("--format", cl.Format, "Text for people or JSON for programs")
+      ->check(CLI::IsMember({"text", "json"}));
+  CLI::App* check = app.add_subcommand(
+      "check", "Validates a project without running it: settings, variables, the solution");
+  check->add_option("PROJECT", cl.Project, "The project file")->required();
   CLI::App* exec = app.add_subcommand("exec", "Runs one action with the given property values");
   exec->add_option("TYPE", cl.Type, "The action's class name or caption")->required();
   exec->add_option("ASSIGNMENT", cl.Assignments,

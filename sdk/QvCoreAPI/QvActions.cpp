@@ -81,6 +81,8 @@ bool TCustomQvAction::Validate(IQvActionValidationError*) {
   return true;
 }
 
+void TCustomQvAction::CheckSettings(IQvActionValidationError*, IQvActionValidationError*) {}
+
 void TCustomQvAction::SendMessage(const std::string& text, TStatusTag tag) {
   GetActionContext()->SendMessage(text, tag);
 }

@@ -106,6 +106,9 @@ class TCustomQvAction : public TQvPersistent, public virtual IInterface {
 
   // Reports problems to `errors`; false when anything was reported.
   virtual bool Validate(IQvActionValidationError* errors);
+  // For a dry run: reports, beyond Validate and without starting or writing anything, what
+  // would fail the action (`errors`) or deserves a look (`warnings`). Default: nothing.
+  virtual void CheckSettings(IQvActionValidationError* errors, IQvActionValidationError* warnings);
   // Runs the action; false fails it. May throw EFailAction.
   virtual bool Execute() = 0;
   virtual bool CanTerminate() const { return false; }

@@ -41,8 +41,10 @@ bool ReadCategory(std::string_view head, TCanonicalMessage& m) {
     std::string_view at = head.substr(p);
     size_t length = StartsWithWord(at, "error") ? 5 : StartsWithWord(at, "warning") ? 7 : 0;
     if (length == 0) continue;
+    // Codes are letters and digits (CS0103, MSB4018, LNK2019): "error code : 1" is prose.
     std::string_view code = Trim(at.substr(length));
     if (code.find_first_of(" \t") != std::string_view::npos) continue;
+    if (!code.empty() && code.find_first_of("0123456789") == std::string_view::npos) continue;
     m.Error = length == 5;
     m.Subcategory = Trim(head.substr(0, p));
     m.Code = code;

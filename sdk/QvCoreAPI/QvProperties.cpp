@@ -1,5 +1,9 @@
 #include "QvProperties.h"
 
+#include <algorithm>
+#include <cctype>
+#include <vector>
+
 #include "QvExceptions.h"
 #include "QvSysUtils.h"
 
@@ -44,13 +48,43 @@ bool TQvPersistent::HasProperty(std::string_view name) const {
 }
 
 namespace {
-const TPropDescriptor& Lookup(const TQvPersistent& obj, std::string_view name) {
-  const TPropDescriptor* d = obj.GetPropertyTable().Find(name);
-  if (!d)
-    throw Exception("Unknown property \"" + std::string(name) + "\" of " +
-                    std::string(obj.ClassName()));
-  return *d;
+
+// Levenshtein distance without regard to ASCII letter case.
+size_t EditDistance(std::string_view a, std::string_view b) {
+  std::vector<size_t> row(b.size() + 1);
+  for (size_t j = 0; j <= b.size(); ++j)
+    row[j] = j;
+  for (size_t i = 1; i <= a.size(); ++i) {
+    size_t diagonal = row[0];
+    row[0] = i;
+    for (size_t j = 1; j <= b.size(); ++j) {
+      bool same = std::tolower(static_cast<unsigned char>(a[i - 1])) ==
+                  std::tolower(static_cast<unsigned char>(b[j - 1]));
+      size_t next = std::min({row[j] + 1, row[j - 1] + 1, diagonal + (same ? 0 : 1)});
+      diagonal = row[j];
+      row[j] = next;
+    }
+  }
+  return row[b.size()];
 }
+
+const TPropDescriptor& Lookup(const TQvPersistent& obj, std::string_view name) {
+  const TPropertyTable& table = obj.GetPropertyTable();
+  if (const TPropDescriptor* d = table.Find(name)) return *d;
+  // A name a few typing slips away, or cut short, is what was meant; further off, none is
+  // suggested.
+  std::string_view best;
+  size_t bestDistance = std::max<size_t>(1, name.size() / 3) + 1;
+  for (const TPropDescriptor* d : table.All()) {
+    bool shortened = name.size() >= 4 && FindText(d->Name, name) == 0;
+    if (size_t distance = shortened ? 1 : EditDistance(name, d->Name); distance < bestDistance)
+      best = d->Name, bestDistance = distance;
+  }
+  throw Exception("Unknown property \"" + std::string(name) + "\" of " +
+                  std::string(obj.ClassName()) +
+                  (best.empty() ? std::string() : "; did you mean " + std::string(best) + "?"));
+}
+
 }  // namespace
 
 std::string TQvPersistent::GetPropText(const TQvPersistent& obj, const TPropDescriptor& d) {
@@ -97,7 +131,13 @@ void TQvPersistent::SetPropText(TQvPersistent& obj, const TPropDescriptor& d,
     }
     case TPropType::Enumeration: {
       int v = d.Enum->ValueOf(text);
-      if (v < 0) throw invalid();
+      if (v < 0) {
+        std::string choices;
+        for (std::string_view value : d.Enum->Values)
+          choices += (choices.empty() ? "" : ", ") + std::string(value);
+        throw EConvertError(invalid().Message() + ": " + std::string(d.Name) + " must be one of " +
+                            choices);
+      }
       d.SetOrd(obj, v);
       return;
     }

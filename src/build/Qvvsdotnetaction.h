@@ -52,6 +52,9 @@ class TQvCustomVSDotNetAction : public TQvMultiExecAction,
 
   // Reports a missing solution and a missing compiler; false when anything was reported.
   bool Validate(IQvActionValidationError* errors) override;
+  // Opens the solution and reports a configuration it lacks, chosen projects it does not
+  // hold, and (as a warning) a Visual Studio version other than the solution's format.
+  void CheckSettings(IQvActionValidationError* errors, IQvActionValidationError* warnings) override;
   // Checks the compiler, opens the solution and builds it (or the chosen projects).
   bool Execute() override;
   bool CanTerminate() const override { return true; }

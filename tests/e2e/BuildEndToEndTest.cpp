@@ -366,6 +366,14 @@ TEST_P(MSBuild, CompileErrorsFailTheActionWithTheirPosition) {
                       m.find("): error CS0103: ") != std::string::npos);
   EXPECT_TRUE(found) << r.out;
   EXPECT_EQ(log.Metrics()["Compiler.Errors"], "1");
+  // The log's structured fields name the file by a path a reader can open, and the recap
+  // counts the error once however often the engine repeats it.
+  EXPECT_NE(r.out.find("\"file\":\"" + s.samples + "/vs2008/Greeting.Lib/Greeter.cs\",\"line\":"),
+            std::string::npos)
+      << r.out;
+  EXPECT_NE(r.out.find("\"code\":\"CS0103\",\"severity\":\"error\""), std::string::npos);
+  EXPECT_NE(r.out.find("{\"event\":\"runEnd\",\"success\":false,\"errors\":1,"), std::string::npos)
+      << r.out;
 }
 
 TEST_P(MSBuild, BadWarningListFailsWithTheExactMessage) {
@@ -641,6 +649,47 @@ namespace {
 
 // MSTest.exe (the stand-in) run through qvhost: publishing under Team Build, and a failing
 // test run whose counts are still measured.
+TEST(Check, ReportsWhatABuildWouldTripOverWithoutRunningIt) {
+  Session s;
+  auto project = [&](const std::string& configuration, const std::string& extra) {
+    return s.dir.Write("p.qvproj",
+                       "<QvProject><Actions><Action type='TQvVSDotNetAction' caption='Build'>"
+                       "<Property name='Solution'>" +
+                           s.samples +
+                           "/vs2008/Greeting.sln</Property>"
+                           "<Property name='SolutionConfiguration'>" +
+                           configuration + "</Property>" + extra +
+                           "</Action></Actions></QvProject>");
+  };
+  std::string check = s.Qvhost(s.fakeFx) + " check ";
+  auto r = RunCommand(
+      check + project("Release|Any CPU", "<Property name='VStudioVersion'>vs2008</Property>"));
+  EXPECT_EQ(r.exitCode, 0) << r.out << r.err;
+  EXPECT_EQ(r.out, "Checked 1 action: 0 problems, 0 warnings\n");
+
+  std::string file =
+      project("Relase|Any CPU",
+              "<Property name='VStudioVersion'>vs2005</Property>"
+              "<Property name='BuildType'>btSelectedProjects</Property>"
+              "<Property name='SelectedProjects'><Line>Nowhere.csproj</Line></Property>"
+              "<Property name='ExtraCmdLineParams'>/p:X=%Missing%</Property>");
+  r = RunCommand(check + file);
+  EXPECT_EQ(r.exitCode, 1);
+  EXPECT_EQ(r.out, file + ":1: Build: ExtraCmdLineParams: Variable \"Missing\" is not defined\n" +
+                       file +
+                       ":1: Build: SolutionConfiguration: The solution has no configuration "
+                       "\"Relase|Any CPU\"; it has: Debug|Any CPU, Release|Any CPU\n" +
+                       file +
+                       ":1: Build: SelectedProjects: Project Nowhere.csproj is not in the "
+                       "solution\n" +
+                       file +
+                       ":1: warning: Build: VStudioVersion: The action builds with vs2005 "
+                       "but the solution file is in vs2008 format\n"
+                       "Checked 1 action: 3 problems, 1 warning\n");
+  EXPECT_FALSE(fs::exists(s.samples + "/vs2008/Greeting.Lib/bin")) << "nothing was built";
+  EXPECT_EQ(RunCommand(check + s.dir.File("missing.qvproj")).exitCode, 2);
+}
+
 TEST(MSTestRun, PublishModesAndAFailingRun) {
   Session s;
   s.dir.Write("options.xml",

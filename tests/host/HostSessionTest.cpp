@@ -111,7 +111,7 @@ TEST(THostSession, ExecRunsOneActionByCaptionOrClassNameWithAssignments) {
   EXPECT_EQ(host.Session->ExecAction("FAIL", {"Mode=2", "Message=no"}), qvhost::kExitBuildFailed);
   EXPECT_NE(host.Out.str().find("    [error] no\n"), std::string::npos) << host.Out.str();
   EXPECT_EQ(ErrorOf([&] { host.Session->ExecAction("Nothing Like It", {}); }),
-            "Unknown action type \"Nothing Like It\"");
+            "Unknown action type \"Nothing Like It\" (qvhost actions lists the types)");
   std::unique_ptr<qv::TCustomQvAction> action(
       host.Session->Services().FindAction("log messages")->Class->Create());
   struct Case {

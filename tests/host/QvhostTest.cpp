@@ -35,14 +35,22 @@ TEST(Qvhost, ExitStatusSaysWhatWentWrong) {
       {"run bad.qvproj", 2, "qvhost: bad.qvproj:3: Start-end tags mismatch\n"},
       {"run none.qvproj", 2,
        "qvhost: Cannot read project file \"none.qvproj\" : No such file or directory\n"},
-      {"exec 'No Such Action'", 2, "qvhost: Unknown action type \"No Such Action\"\n"},
-      {"exec Fail Mode=9", 2, "qvhost: Invalid value '9' for property \"Mode\"\n"},
+      {"exec 'No Such Action'", 2,
+       "qvhost: Unknown action type \"No Such Action\" (qvhost actions lists the types)\n"},
+      {"exec Fail Mode=9", 2,
+       "qvhost: Invalid value '9' for property \"Mode\": Mode must be one of fmFailAction, "
+       "fmException, fmReturnFalse, fmUnknown\n"},
       {"--var Config actions", 2, "qvhost: expected NAME=VALUE, not \"Config\"\n"},
       {"--package /nonexistent/x.qvp actions", 2, "*"},
       {"--log-format xml actions", 2, "*"},
       {"run", 2, "PROJECT is required\nRun with --help for more information.\n"},
       {"", 2, "A subcommand is required\nRun with --help for more information.\n"},
       {"build ok.qvproj", 2, "*"},
+      {"--ci bamboo actions", 2, "*"},
+      {"describe Nope", 2,
+       "qvhost: Unknown action type \"Nope\" (qvhost actions lists the types)\n"},
+      {"check ok.qvproj", 0, ""},
+      {"check bad.qvproj", 2, "qvhost: bad.qvproj:3: Start-end tags mismatch\n"},
   };
   for (const auto& c : cases) {
     auto r = RunQvhost(dir, c.args, "QVTEST_USER=ci");
@@ -51,6 +59,19 @@ TEST(Qvhost, ExitStatusSaysWhatWentWrong) {
       EXPECT_EQ(r.err, c.err) << c.args;
     }
   }
+  EXPECT_EQ(RunQvhost(dir, "describe Fail").out,
+            "\"Fail\" (TQvTestFailAction), 2 properties:\n"
+            "  Message: String = \"Broken\"\n"
+            "  Mode: TTestFailMode = \"fmFailAction\"\n"
+            "      one of fmFailAction, fmException, fmReturnFalse, fmUnknown\n");
+  EXPECT_EQ(RunQvhost(dir, "describe TQvTestFailAction --format json").out,
+            "{\"class\":\"TQvTestFailAction\",\"caption\":\"Fail\",\"properties\":[{\"name\":"
+            "\"Message\",\"type\":\"String\",\"default\":\"Broken\",\"stored\":true},{\"name\":"
+            "\"Mode\",\"type\":\"TTestFailMode\",\"default\":\"fmFailAction\",\"stored\":true,"
+            "\"values\":[\"fmFailAction\",\"fmException\",\"fmReturnFalse\",\"fmUnknown\"]}]}\n");
+  EXPECT_EQ(WithoutTimes(RunQvhost(dir, "--log-format jsonl run bad.qvproj").out),
+            "{\"event\":\"error\",\"file\":\"bad.qvproj\",\"line\":3,\"text\":"
+            "\"Start-end tags mismatch\",\"time\":T}\n");
   // A build that succeeded but whose changes cannot be saved says so and fails the run.
   std::string counted = dir.Write("count.qvproj",
                                   "<QvProject><Actions><Action type='Count Builds'/></Actions>"

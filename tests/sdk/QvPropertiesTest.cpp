@@ -96,9 +96,11 @@ TEST(Properties, TextRoundTripForEveryType) {
 TEST(Properties, BadValuesAndNamesAreReportedClearly) {
   TDerived o;
   EXPECT_EQ(ErrorOf([&] { o.SetPropValue("Colour", "clPurple"); }),
-            "Invalid value 'clPurple' for property \"Colour\"");
+            "Invalid value 'clPurple' for property \"Colour\": Colour must be one of clRed, "
+            "clGreen, clBlue");
   EXPECT_EQ(ErrorOf([&] { o.SetPropValue("Colour", "3"); }),
-            "Invalid value '3' for property \"Colour\"");
+            "Invalid value '3' for property \"Colour\": Colour must be one of clRed, clGreen, "
+            "clBlue");
   EXPECT_EQ(ErrorOf([&] { o.SetPropValue("Flag", "yes"); }),
             "Invalid value 'yes' for property \"Flag\"");
   EXPECT_EQ(ErrorOf([&] { o.SetPropValue("Count", "4x"); }),
@@ -106,6 +108,10 @@ TEST(Properties, BadValuesAndNamesAreReportedClearly) {
   EXPECT_EQ(ErrorOf([&] { o.SetPropValue("Upper", "x"); }),
             "Property \"Upper\" of TDerived is read-only");
   EXPECT_EQ(ErrorOf([&] { o.GetPropValue("Nope"); }), "Unknown property \"Nope\" of TDerived");
+  EXPECT_EQ(ErrorOf([&] { o.GetPropValue("colur"); }),
+            "Unknown property \"colur\" of TDerived; did you mean Colour?");
+  EXPECT_EQ(ErrorOf([&] { o.GetPropValue("Coun"); }),
+            "Unknown property \"Coun\" of TDerived; did you mean Count?");
   EXPECT_THROW(o.SetPropValue("Flag", "maybe"), EConvertError);
   EXPECT_EQ(o.Colour, TColour::clGreen) << "a rejected value changes nothing";
 }
