@@ -21,28 +21,14 @@ void Send(qv::IQvProcess* process, qv::IQvProcessOutputHandler* handler, bool st
 
 void THostProcess::Deliver(bool stdErr, std::string_view chunk) {
   if (!FCapture || !FHandler || chunk.empty()) return;
-  // A child may write a line in pieces (dotnet does), and a read may end inside one.
-  std::string& tail = FTails[stdErr ? 1 : 0];
-  size_t end = chunk.rfind('\n');
-  if (end == std::string_view::npos) {
-    tail.append(chunk);
-    return;
-  }
-  if (tail.empty()) {
-    Send(this, FHandler, stdErr, chunk.substr(0, end + 1));
-  } else {
-    tail.append(chunk.substr(0, end + 1));
-    std::string whole = std::exchange(tail, std::string());
-    Send(this, FHandler, stdErr, whole);
-  }
-  tail.assign(chunk.substr(end + 1));
+  FLines[stdErr ? 1 : 0].Feed(chunk, [&](std::string_view c) { Send(this, FHandler, stdErr, c); });
 }
 
 void THostProcess::FlushTails() {
-  for (int i = 0; i < 2; ++i) {
-    std::string rest = std::exchange(FTails[i], std::string());
-    if (!rest.empty() && FCapture && FHandler) Send(this, FHandler, i == 1, rest);
-  }
+  for (int i = 0; i < 2; ++i)
+    FLines[i].Finish([&](std::string_view c) {
+      if (FCapture && FHandler) Send(this, FHandler, i == 1, c);
+    });
 }
 
 qv::IntfPtr<qv::IQvProcess> NewHostProcess() {

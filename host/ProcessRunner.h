@@ -44,7 +44,7 @@ class THostProcess : public qv::TInterfacedObject, public qv::IQvProcess {
   qv::IQvProcessOutputHandler* FHandler = nullptr;
   int FExitCode = 0;
   bool FCleanExit = false;
-  std::string FTails[2];  // standard output's and error's unfinished last line
+  qv::TLineAssembler FLines[2];  // standard output's and error's
 };
 
 // A new process object for an action.

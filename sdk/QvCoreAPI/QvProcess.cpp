@@ -1,5 +1,7 @@
 #include "QvProcess.h"
 
+#include <utility>
+
 namespace qv {
 
 void TAutoResetEvent::Signal() {
@@ -146,6 +148,27 @@ class TCommandLineBuilder : public TInterfacedObject, public ICommandLineBuilder
 
 IntfPtr<ICommandLineBuilder> NewCommandLineBuilder() {
   return MakeIntf<ICommandLineBuilder, TCommandLineBuilder>();
+}
+
+void TLineAssembler::Feed(std::string_view read, const TSink& sink) {
+  size_t end = read.rfind('\n');
+  if (end == std::string_view::npos) {
+    FTail.append(read);
+    return;
+  }
+  if (FTail.empty()) {
+    sink(read.substr(0, end + 1));
+  } else {
+    FTail.append(read.substr(0, end + 1));
+    std::string whole = std::exchange(FTail, std::string());
+    sink(whole);
+  }
+  FTail.assign(read.substr(end + 1));
+}
+
+void TLineAssembler::Finish(const TSink& sink) {
+  std::string rest = std::exchange(FTail, std::string());
+  if (!rest.empty()) sink(rest);
 }
 
 }  // namespace qv

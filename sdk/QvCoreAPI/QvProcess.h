@@ -4,6 +4,7 @@
 
 #include <chrono>
 #include <condition_variable>
+#include <functional>
 #include <mutex>
 #include <string>
 #include <string_view>
@@ -38,6 +39,22 @@ class IQvProcessOutputHandler {
 
  protected:
   ~IQvProcessOutputHandler() = default;
+};
+
+// Turns the reads of one output pipe into chunks that end at a line end, as hosts hand output
+// to IQvProcessOutputHandler: the unfinished tail of a read waits for the next read (a line
+// written in pieces, or a CR LF split between reads, arrives whole); a complete line is never
+// held back, and a chunk may hold several lines.
+class TLineAssembler {
+ public:
+  using TSink = std::function<void(std::string_view chunk)>;
+  // Hands `sink` the whole lines that `read` completes, if any.
+  void Feed(std::string_view read, const TSink& sink);
+  // Hands `sink` the unfinished last line, if any; call once the stream has ended.
+  void Finish(const TSink& sink);
+
+ private:
+  std::string FTail;
 };
 
 // Exit code a process reports when it was stopped through its terminate event.

@@ -22,12 +22,19 @@ class ScriptedProcess : public TInterfacedObject, public IQvProcess {
   void SetStartingDir(const std::string& dir) override { FRun.dir = dir; }
   void SetTerminateEvent(TAutoResetEvent*) override {}
   void SetOutputHandler(IQvProcessOutputHandler* handler) override { FHandler = handler; }
+  // The script's chunks are the pipe's reads; like the host's runner, the handler gets them
+  // as whole lines.
   int Run() override {
     FRuns.push_back(FRun);
+    TLineAssembler out, err;
+    auto toOut = [&](std::string_view c) { FHandler->OnStdOutData(this, c); };
+    auto toErr = [&](std::string_view c) { FHandler->OnStdErrData(this, c); };
     for (const auto& chunk : FScript.out)
-      FHandler->OnStdOutData(this, chunk);
+      out.Feed(chunk, toOut);
+    out.Finish(toOut);
     for (const auto& chunk : FScript.err)
-      FHandler->OnStdErrData(this, chunk);
+      err.Feed(chunk, toErr);
+    err.Finish(toErr);
     return FScript.exitCode;
   }
   int GetExitCode() const override { return FScript.exitCode; }
@@ -99,8 +106,10 @@ void RecordingActionContext::StartMessageGroup(const std::string& title, int gro
   Log.push_back({LogEntry::GroupStart, title, static_cast<int>(tag), Depth++, groupType});
 }
 
+// As in the host, an end without an open group is ignored.
 void RecordingActionContext::EndMessageGroup(std::optional<TStatusTag> tag) {
-  if (Depth > 0) --Depth;
+  if (Depth == 0) return;
+  --Depth;
   Log.push_back({LogEntry::GroupEnd, "", tag ? static_cast<int>(*tag) : -1, Depth, 0});
 }
 
@@ -109,27 +118,36 @@ void RecordingActionContext::SendMetricInt(const std::string& group, const std::
   Metrics.push_back({group, name, value});
 }
 
+// Variable names compare without regard to case, as the host's do.
+const std::string* RecordingActionContext::FindVariable(std::string_view name) const {
+  for (const auto& [n, v] : Variables)
+    if (SameText(n, name)) return &v;
+  return nullptr;
+}
+
 std::string RecordingActionContext::ExpandExpression(const std::string& text, bool) {
   return ExpandVariables(text, [this](std::string_view name) -> std::optional<std::string> {
-    auto it = Variables.find(std::string(name));
-    if (it == Variables.end()) return std::nullopt;
-    return it->second;
+    const std::string* value = FindVariable(name);
+    if (!value) return std::nullopt;
+    return *value;
   });
 }
 
-bool RecordingActionContext::TryExpandExpression(const std::string&, const std::string& text,
-                                                 std::string& result, bool required) {
+bool RecordingActionContext::TryExpandExpression(const std::string& caption,
+                                                 const std::string& text, std::string& result,
+                                                 bool required) {
   try {
     result = ExpandExpression(text, required);
     return true;
-  } catch (const Exception&) {
+  } catch (const Exception& e) {
+    SendMessage(caption + ": " + e.what(), TStatusTag::Error);
     return false;
   }
 }
 
 std::string RecordingActionContext::GetVariableValue(const std::string& name) {
-  auto it = Variables.find(name);
-  return it == Variables.end() ? std::string() : it->second;
+  const std::string* value = FindVariable(name);
+  return value ? *value : std::string();
 }
 
 void RecordingActionContext::RegisterDynamicProperty(const std::string& name) {

@@ -28,8 +28,8 @@ struct Metric {
   bool operator==(const Metric&) const = default;
 };
 
-// What one process run does: the chunks it writes (all of standard output, then standard
-// error) and how it ends.
+// What one process run does: the chunks it writes, as the reads of its pipes (all of standard
+// output, then standard error), and how it ends.
 struct ProcessScript {
   std::vector<std::string> out;
   int exitCode = 0;
@@ -109,6 +109,9 @@ class RecordingActionContext : public qv::TInterfacedObject,
 
  protected:
   void* GetInterface(const qv::TGUID& iid) override;
+
+ private:
+  const std::string* FindVariable(std::string_view name) const;
 };
 
 // An action that does nothing itself, bound to its own recording context.
