@@ -1,6 +1,7 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <signal.h>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -21,6 +22,7 @@ namespace {
 
 constexpr int kPollMs = 50;  // how often a waiting run looks at the terminate event
 constexpr auto kTerminateGrace = std::chrono::milliseconds(1000);
+constexpr auto kDrainGrace = std::chrono::milliseconds(1000);
 
 // Owns a file descriptor.
 struct TFd {
@@ -50,8 +52,11 @@ struct TPipe {
 // In the child between fork and exec: only async-signal-safe calls. A failure is reported
 // through `status` as an errno value.
 [[noreturn]] void StartChild(char* const* argv, const char* dir, int devNull, int out, int err,
-                             int status) {
+                             int status, pid_t host) {
   setsid();  // no controlling terminal, and a process group of its own to stop as a whole
+  // A compiler must not outlive a host that was killed outright (the host stops it otherwise).
+  prctl(PR_SET_PDEATHSIG, SIGKILL);
+  if (getppid() != host) _exit(127);
   struct sigaction dfl {};
   dfl.sa_handler = SIG_DFL;
   for (int sig : {SIGINT, SIGTERM, SIGPIPE, SIGCHLD})
@@ -109,6 +114,31 @@ bool ReadChunk(int& fd, bool stdErr, const TDeliver& deliver) {
   return false;
 }
 
+// Once the child has ended: reads what its pipes still hold and what descendants still
+// write. Holders that stay silent for the grace period are not waited for, nor are pipes held
+// open beyond it by processes that left the group; a terminate request stops the whole group
+// at once (false).
+bool Drain(pid_t pid, pollfd (&fds)[2], const TDeliver& deliver,
+           const std::function<bool()>& terminate) {
+  using Clock = std::chrono::steady_clock;
+  auto start = Clock::now(), lastData = start;
+  while (fds[0].fd >= 0 || fds[1].fd >= 0) {
+    if (terminate()) {
+      kill(-pid, SIGKILL);
+      return false;
+    }
+    if (poll(fds, 2, kPollMs) > 0)
+      for (int i = 0; i < 2; ++i)
+        if (fds[i].fd >= 0 && (fds[i].revents & (POLLIN | POLLHUP | POLLERR)) &&
+            ReadChunk(fds[i].fd, i == 1, deliver))
+          lastData = Clock::now();
+    auto now = Clock::now();
+    bool groupGone = kill(-pid, 0) < 0 && errno == ESRCH;
+    if (now - lastData >= kDrainGrace || (groupGone && now - start >= kDrainGrace)) break;
+  }
+  return true;
+}
+
 // Delivers output until the child ends and returns its wait status, or nullopt when
 // `terminate` asked for it to be stopped. Once the child has ended, what is still buffered in
 // the pipes is read; descendants that keep the pipes open are not waited for.
@@ -130,10 +160,7 @@ std::optional<int> Pump(pid_t pid, int outFd, int errFd, const TDeliver& deliver
     pid_t done = waitpid(pid, &status, WNOHANG);
     if (done == pid || (done < 0 && errno == ECHILD)) break;
   }
-  for (int i = 0; i < 2; ++i)
-    while (fds[i].fd >= 0 && ReadChunk(fds[i].fd, i == 1, deliver)) {
-    }
-  return status;
+  return Drain(pid, fds, deliver, terminate) ? std::optional<int>(status) : std::nullopt;
 }
 
 }  // namespace
@@ -151,11 +178,12 @@ int THostProcess::Run() {
   TFd devNull(open("/dev/null", O_RDWR | O_CLOEXEC));
   TPipe out, err, status;
   const char* dir = FStartingDir.empty() ? nullptr : FStartingDir.c_str();
+  pid_t host = getpid();
   pid_t pid = fork();
   if (pid < 0) throw qv::Exception("Cannot run \"" + FExecutable + "\" : " + std::strerror(errno));
   if (pid == 0)
     StartChild(argv.data(), dir, devNull.Fd, FCapture ? out.Write.Fd : devNull.Fd,
-               FCapture ? err.Write.Fd : devNull.Fd, status.Write.Fd);
+               FCapture ? err.Write.Fd : devNull.Fd, status.Write.Fd, host);
   out.Write.Close();
   err.Write.Close();
   status.Write.Close();

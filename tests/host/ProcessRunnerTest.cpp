@@ -127,4 +127,30 @@ TEST(THostProcess, TerminateStopsTheChildAndEverythingItStarted) {
   EXPECT_TRUE(NoChildrenLeft());
 }
 
+// After the child has ended, a descendant that keeps writing is read until a terminate
+// request stops it, soon after the request.
+TEST(THostProcess, TerminateStopsTheDrainOfADescendantThatKeepsWriting) {
+  TempDir dir;
+  qv::TAutoResetEvent terminate;
+  std::thread stopper([&] {
+    while (!std::filesystem::exists(dir.File("started")))
+      std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    std::this_thread::sleep_for(std::chrono::milliseconds(300));
+    terminate.Signal();
+  });
+  Recorder rec;
+  auto p = qvhost::NewHostProcess();
+  p->SetExecutable("/bin/sh");
+  p->SetParameters("-c \"yes & echo $! > pid; touch started\"");
+  p->SetCaptureOutput(true);
+  p->SetStartingDir(dir.Path());
+  p->SetTerminateEvent(&terminate);
+  p->SetOutputHandler(&rec);
+  auto start = std::chrono::steady_clock::now();
+  EXPECT_EQ(p->Run(), qv::kTerminatedExitCode);
+  stopper.join();
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(2));
+  EXPECT_TRUE(qvtest::ProcessEnds(std::stoi(TempDir::Read(dir.File("pid")))));
+}
+
 }  // namespace

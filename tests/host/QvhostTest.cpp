@@ -1,4 +1,5 @@
 // qvhost as people and scripts use it: its commands, output and exit statuses.
+#include <signal.h>
 #include <sys/stat.h>
 
 #include <chrono>
@@ -196,6 +197,21 @@ TEST(Qvhost, KeepsPasswordsOutOfLogsAndProjectFiles) {
   EXPECT_EQ(st.st_mode & 0777, 0600u);
   auto again = RunQvhost(dir, "run p.qvproj");
   EXPECT_NE(again.out.find("Signed in as ci with a password of 7 characters"), std::string::npos);
+}
+
+TEST(Qvhost, ARunningProgramDiesWithAKilledQvhost) {
+  TempDir dir;
+  dir.Write("p.qvproj",
+            "<QvProject><Actions><Action type='Run Program'>"
+            "<Property name='Program'>/bin/sh</Property>"
+            "<Property name='Arguments'>-c \"echo $$ > pid; exec sleep 30\"</Property>"
+            "</Action></Actions></QvProject>");
+  auto r =
+      qvtest::RunCommand("((" + qvhosttest::QvhostCommand(dir, "run p.qvproj") +
+                         ") & pid=$!; for i in $(seq 400); do [ -s " + ShellQuote(dir.File("pid")) +
+                         " ] && break; sleep 0.05; done; " + "kill -KILL $pid; wait $pid)");
+  EXPECT_EQ(r.exitCode, 128 + SIGKILL);
+  EXPECT_TRUE(qvtest::ProcessEnds(std::stoi(TempDir::Read(dir.File("pid")))));
 }
 
 TEST(Qvhost, InterruptionStopsTheRunningProcessAndEndsWithItsStatus) {
