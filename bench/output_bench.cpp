@@ -15,42 +15,11 @@
 #include "QvActions.h"
 #include "QvProcess.h"
 #include "Qvvsdotnetaction.h"
+#include "support/CountingActionContext.h"
 
 namespace {
 
 using Clock = std::chrono::steady_clock;
-
-// Counts what the action logs and measures; keeps nothing.
-class TCountingContext : public qv::TInterfacedObject, public qv::IQvActionContext {
- public:
-  long Lines[4] = {};
-  long Metrics = 0;
-  void SendMessage(const std::string&, qv::TStatusTag tag) override {
-    ++Lines[static_cast<int>(tag)];
-  }
-  void StartMessageGroup(const std::string&, int, qv::TStatusTag) override {}
-  void EndMessageGroup(std::optional<qv::TStatusTag>) override {}
-  void SendMetricInt(const std::string&, const std::string&, int64_t) override { ++Metrics; }
-  bool TryExpandExpression(const std::string&, const std::string& t, std::string& r,
-                           bool) override {
-    r = t;
-    return true;
-  }
-  std::string ExpandExpression(const std::string& t, bool) override { return t; }
-  std::string GetVariableValue(const std::string&) override { return {}; }
-  void RegisterDynamicProperty(const std::string&) override {}
-  void UnRegisterDynamicProperty(const std::string&) override {}
-  qv::IntfPtr<qv::IQvPropertySet> FindPropertySet(const std::string&) override { return nullptr; }
-  std::string EncryptPassword(const std::string& p) override { return p; }
-  std::string DecryptPassword(const std::string& p) override { return p; }
-  qv::IntfPtr<qv::IQvProcess> CreateProcess() override { return nullptr; }
-
- protected:
-  void* GetInterface(const qv::TGUID& iid) override {
-    if (void* p = qv::QueryInterfaceList<qv::IQvActionContext>(this, iid)) return p;
-    return TInterfacedObject::GetInterface(iid);
-  }
-};
 
 // Lines as Visual Studio 2003 and 2008 and MSBuild print them, most of them plain.
 const char* kLines[] = {
@@ -127,7 +96,7 @@ int main(int argc, char** argv) {
   std::printf("%-36s %8.3f s  %8.1f MB/s\n", "grep -c -w -i error", Seconds(g0, g1),
               mb / Seconds(g0, g1));
   for (const Mode& m : modes) {
-    qv::IntfPtr<TCountingContext> ctx(new TCountingContext);
+    qv::IntfPtr<qvtest::CountingActionContext> ctx(new qvtest::CountingActionContext);
     qv::TQvVSDotNetAction action;
     action.BindContext(qv::IntfPtr<qv::IQvActionContext>(ctx.Get()));
     action.SetPropValue("VStudioVersion", m.version);

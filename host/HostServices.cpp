@@ -18,6 +18,13 @@ void SetPages(TPages& pages, std::string_view className, const std::vector<std::
     }
   pages.emplace_back(std::string(className), list);
 }
+std::string Join(const std::vector<std::string>& items) {
+  std::string s;
+  for (const auto& item : items)
+    s += (s.empty() ? "" : ", ") + item;
+  return s;
+}
+
 }  // namespace
 
 THostServices::~THostServices() {
@@ -26,6 +33,8 @@ THostServices::~THostServices() {
 
 void THostServices::RegisterAction(const std::string& caption, const std::string& category,
                                    const std::string& iconName, const qv::TQvActionClass& cls) {
+  FSequence.push_back("action " + std::string(cls.ClassName) + " \"" + caption + "\" " + category +
+                      " " + iconName);
   for (const auto& a : FActions)
     if (qv::SameText(a.Class->ClassName, cls.ClassName))
       throw qv::Exception("Action class " + std::string(cls.ClassName) + " is already registered");
@@ -34,6 +43,7 @@ void THostServices::RegisterAction(const std::string& caption, const std::string
 
 void THostServices::RegisterActionPages(const qv::TQvActionClass& cls,
                                         const std::vector<std::string>& pageClasses) {
+  FSequence.push_back("action pages " + std::string(cls.ClassName) + ": " + Join(pageClasses));
   SetPages(FActionPages, cls.ClassName, pageClasses);
 }
 
@@ -41,28 +51,35 @@ void THostServices::RegisterPropertyEditor(const std::string& propertyType,
                                            const qv::TQvActionClass& cls,
                                            const std::string& propertyName,
                                            const std::string& editorClass) {
+  FSequence.push_back("property editor " + std::string(cls.ClassName) + "." + propertyName + " (" +
+                      propertyType + ") " + editorClass);
   FEditors.push_back({propertyType, &cls, propertyName, editorClass});
 }
 
 void THostServices::RegisterMethod(const qv::TQvActionClass& cls, const std::string& name,
                                    const std::string& signature, qv::TScriptMethodHandler) {
+  FSequence.push_back("method " + std::string(cls.ClassName) + "." + name + signature);
   FMethods.push_back({&cls, name, signature});
 }
 
 void THostServices::RegisterConstant(const std::string& name, int64_t value) {
+  FSequence.push_back("constant " + name + " = " + std::to_string(value));
   FConstants.push_back({name, value});
 }
 
 void THostServices::RegisterGlobalObject(const std::string& name, const std::string& signature,
                                          qv::TScriptFunctionHandler) {
+  FSequence.push_back("global object " + name + signature);
   FGlobals.push_back({name, signature});
 }
 
 void THostServices::RegisterEnumeration(const qv::TEnumTypeInfo& type) {
+  FSequence.push_back("enumeration " + std::string(type.Name));
   FEnums.push_back(&type);
 }
 
 void THostServices::RegisterOptions(const qv::TQvOptionsClass& cls, const std::string& iconName) {
+  FSequence.push_back("options " + std::string(cls.ClassName) + " " + iconName);
   for (const auto& o : FOptions)
     if (qv::SameText(o.Class->ClassName, cls.ClassName))
       throw qv::Exception("Options class " + std::string(cls.ClassName) + " is already registered");
@@ -73,6 +90,7 @@ void THostServices::RegisterOptions(const qv::TQvOptionsClass& cls, const std::s
 
 void THostServices::RegisterOptionPages(const qv::TQvOptionsClass& cls,
                                         const std::vector<std::string>& pageClasses) {
+  FSequence.push_back("option pages " + std::string(cls.ClassName) + ": " + Join(pageClasses));
   SetPages(FOptionPages, cls.ClassName, pageClasses);
 }
 

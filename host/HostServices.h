@@ -105,6 +105,8 @@ class THostServices : public qv::IQvActionServices,
   const std::vector<TGlobalObjectRegistration>& GlobalObjects() const { return FGlobals; }
   const std::vector<const qv::TEnumTypeInfo*>& Enumerations() const { return FEnums; }
   const std::vector<TOptionsRegistration>& Options() const { return FOptions; }
+  // Every registration call, one line each, in the order the packages made them.
+  const std::vector<std::string>& Sequence() const { return FSequence; }
 
  private:
   std::vector<TActionRegistration> FActions;
@@ -115,6 +117,7 @@ class THostServices : public qv::IQvActionServices,
   std::vector<TGlobalObjectRegistration> FGlobals;
   std::vector<const qv::TEnumTypeInfo*> FEnums;
   std::vector<TOptionsRegistration> FOptions;
+  std::vector<std::string> FSequence;
 };
 
 }  // namespace qvhost

@@ -75,8 +75,13 @@ std::vector<std::string> THostSession::PackageFiles(const THostSettings& setting
   return files;
 }
 
-int THostSession::ListActions() {
-  FOut << DescribeRegistrations(FServices, FDesignTime) << std::flush;
+int THostSession::ListActions(bool sequence) {
+  if (sequence)
+    for (const auto& line : FServices.Sequence())
+      FOut << line << "\n";
+  else
+    FOut << DescribeRegistrations(FServices, FDesignTime);
+  FOut << std::flush;
   return kExitSuccess;
 }
 

@@ -56,8 +56,9 @@ class THostSession {
   THostSession(const THostSession&) = delete;
   THostSession& operator=(const THostSession&) = delete;
 
-  // Prints what the packages registered.
-  int ListActions();
+  // Prints what the packages registered, by kind; with `sequence`, every registration call in
+  // the order it was made, one line each.
+  int ListActions(bool sequence = false);
   // Runs a project and saves back what the run changed. Returns kExitSuccess or
   // kExitBuildFailed; throws qv::Exception when the project cannot be read or set up.
   int RunProject(const std::string& fileName);

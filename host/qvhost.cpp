@@ -39,6 +39,7 @@ struct TCommandLine {
   std::string MSBuildEngine = "auto";
   std::string Ci = "auto";
   std::string Format = "text";
+  bool Sequence = false;
   bool NoColour = false, NoDefaultPackages = false;
   std::string Project, Type;
   std::vector<std::string> Assignments;
@@ -111,7 +112,7 @@ int Run(CLI::App& app, TCommandLine& cl) {
     if (app.got_subcommand("check")) return session->CheckProject(cl.Project);
     if (app.got_subcommand("exec"))
       return session->ExecAction(cl.Type, cl.Assignments, s.PropertySetValues);
-    return session->ListActions();
+    return session->ListActions(cl.Sequence);
   } catch (const qvhost::TProjectFileError& e) {
     if (session) session->ReportInputError(e.File, e.Line, e.Reason);
     session.reset();
@@ -138,7 +139,8 @@ int main(int argc, char** argv) {
   AddGlobalOptions(app, cl);
   app.fallthrough();
   app.require_subcommand(1);
-  app.add_subcommand("actions", "Lists what the loaded packages registered");
+  CLI::App* actions = app.add_subcommand("actions", "Lists what the loaded packages registered");
+  actions->add_flag("--sequence", cl.Sequence, "Every registration call in the order made");
   CLI::App* run = app.add_subcommand("run", "Runs the build process of a project file");
   run->add_option("PROJECT", cl.Project, "The project file")->required();
   CLI::App* describe =

@@ -8,6 +8,10 @@ IQvActionServices* QvActionServices = nullptr;
 IQvScriptingServices* QvScriptingServices = nullptr;
 IQvOptionsServices* QvOptionsServices = nullptr;
 
+std::string_view TableClassName(const TPropertyTable& table) {
+  return table.ClassName;
+}
+
 std::string ScriptValueToString(const TScriptValue& v) {
   struct Visitor {
     std::string operator()(std::monostate) const { return {}; }

@@ -30,17 +30,23 @@ struct TQvOptionsClass {
   const TPropertyTable* Properties;
 };
 
+// The class name a property table gives. Out of line on purpose: a translation unit that sees
+// the table's initializer could otherwise initialize the records below at compile time while
+// another initializes them at run time, and the linker may pair one's code with the other's
+// variable, leaving the name empty.
+std::string_view TableClassName(const TPropertyTable& table);
+
 // The class record of action class T (T::PropertyTable names the class).
 template <class T>
 const TQvActionClass& ActionClassOf() {
-  static const TQvActionClass cls{T::PropertyTable.ClassName,
+  static const TQvActionClass cls{TableClassName(T::PropertyTable),
                                   []() -> TCustomQvAction* { return new T; }, &T::PropertyTable};
   return cls;
 }
 
 template <class T>
 const TQvOptionsClass& OptionsClassOf() {
-  static const TQvOptionsClass cls{T::PropertyTable.ClassName,
+  static const TQvOptionsClass cls{TableClassName(T::PropertyTable),
                                    []() -> TQvOptionsObject* { return new T; }, &T::PropertyTable};
   return cls;
 }

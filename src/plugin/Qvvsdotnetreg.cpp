@@ -69,7 +69,19 @@ void QvRegisterPackage(bool registerDesignTime) {
                                    ActionClassOf<TQvVSSolutionIterator>());  // step 6
   if (!registerDesignTime) return;                                           // step 7
   RegisterPropertyEditors();                                                 // step 8
-  // Steps 9 to 13 register the action pages and the options page.
+  // Steps 9 to 13: the action pages, in the order the editor shows them, and the options page.
+  QvActionServices->RegisterActionPages(
+      ActionClassOf<TQvVSDotNetAction>(),
+      {"TVSDotNetProjectFrame", "TVSDotNetPathsFrame", "TVSDotNetBuildFrame",
+       "TVSDotNetAssemblyFrame", "TVC7VersionInfoFrame", "TVSDotNetWebProjectLocationFrame"});
+  QvActionServices->RegisterActionPages(ActionClassOf<TQvVSSolutionIterator>(),
+                                        {"TSolutionIteratorFrame"});
+  QvOptionsServices->RegisterOptionPages(OptionsClassOf<TVSDotNetOptions>(),
+                                         {"TVSDotNetOptionsFrame"});
+  QvActionServices->RegisterActionPages(ActionClassOf<TQvMSTestAction>(),
+                                        {"TMSTestFrame", "TMSTestPublishFrame"});
+  QvActionServices->RegisterActionPages(ActionClassOf<TQvVersionInfoUpdaterAction>(),
+                                        {"TWin32VersionInfoUpdaterFrame"});
   RegisterBuildKindConstants();  // step 14
 }
 

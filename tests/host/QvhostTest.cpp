@@ -129,6 +129,10 @@ TEST(Qvhost, ListsRegistrationsWithDesignTimeExtras) {
   // Global options go before or after the command word.
   EXPECT_EQ(RunQvhost(dir, "--design-time actions").out, designTime);
   EXPECT_EQ(RunQvhost(dir, "actions --design-time").out, designTime);
+  std::string sequence = RunQvhost(dir, "actions --design-time --sequence").out;
+  EXPECT_LT(sequence.find("options TQvTestOptions TESTOPTIONS\n"),
+            sequence.find("option pages TQvTestOptions: TTestOptionsFrame\n"))
+      << sequence;
 }
 
 TEST(Qvhost, WritesJsonLinesAndExpandsVariablesByPrecedence) {

@@ -46,7 +46,13 @@ TEST(QvRegister, DesignTimeThroughTheBuiltPackageModule) {
        "editor string TQvVSDotNetAction.Win32VersionInfo TShowActionPropertiesEditor",
        "editor string TQvVSDotNetAction.NSolution TSolutionEditor",
        "editor string TQvVSDotNetAction.NSolutionConfiguration TSolutionEditor",
-       "constant baBuild=0", "constant baRebuild=1", "constant baClean=2", "constant baDeploy=3"});
+       "pages TQvVSDotNetAction TVSDotNetProjectFrame,TVSDotNetPathsFrame,TVSDotNetBuildFrame,"
+       "TVSDotNetAssemblyFrame,TVC7VersionInfoFrame,TVSDotNetWebProjectLocationFrame",
+       "pages TQvVSSolutionIterator TSolutionIteratorFrame",
+       "optionpages TVSDotNetOptions TVSDotNetOptionsFrame",
+       "pages TQvMSTestAction TMSTestFrame,TMSTestPublishFrame",
+       "pages TQvVersionInfoUpdaterAction TWin32VersionInfoUpdaterFrame", "constant baBuild=0",
+       "constant baRebuild=1", "constant baClean=2", "constant baDeploy=3"});
   {
     // The services (and the options object they hold) go before the module does.
     qvtest::RecordingServices services;
