@@ -1,5 +1,7 @@
 #include "Qvvsdotnetreg.h"
 
+#include "Qvpagebinding.h"
+
 #include "QvServices.h"
 #include "Qvmstestaction.h"
 #include "Qvversioninfoupdateraction.h"
@@ -69,6 +71,7 @@ void QvRegisterPackage(bool registerDesignTime) {
                                    ActionClassOf<TQvVSSolutionIterator>());  // step 6
   if (!registerDesignTime) return;                                           // step 7
   RegisterPropertyEditors();                                                 // step 8
+  RegisterPackagePages();  // the classes behind the names below, for the host to create
   // Steps 9 to 13: the action pages, in the order the editor shows them, and the options page.
   QvActionServices->RegisterActionPages(
       ActionClassOf<TQvVSDotNetAction>(),

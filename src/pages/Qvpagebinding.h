@@ -1,0 +1,26 @@
+// What the package's pages share: reading and writing an action's published properties by
+// name, and registering the page classes with the host's page factory.
+#pragma once
+
+#include <string>
+
+#include "QvActions.h"
+#include "QvPages.h"
+#include "QvSysUtils.h"
+
+namespace qv {
+
+inline bool PropBool(const TQvPersistent& obj, const char* name) {
+  return SameText(obj.GetPropValue(name), "True");
+}
+inline void SetPropBool(TQvPersistent& obj, const char* name, bool value) {
+  obj.SetPropValue(name, value ? "True" : "False");
+}
+// The ordinal of an enumeration property.
+int PropOrdinal(const TQvPersistent& obj, const char* name);
+void SetPropOrdinal(TQvPersistent& obj, const char* name, int ordinal);
+
+// Registers every page class of the package with the host's page factory.
+void RegisterPackagePages();
+
+}  // namespace qv
