@@ -62,6 +62,9 @@ class IQvDesignServices {
   virtual std::vector<std::string> VariableNames() = 0;
   // The package's options object of this class, or null.
   virtual TQvOptionsObject* Options(const std::string& className) = 0;
+  // The pages of the editor the calling page sits in, in order (so pages can tell each other
+  // what changed).
+  virtual std::vector<class TQvPage*> EditorPages() = 0;
 };
 
 // A host page: a frame of controls that copies an action's (or options object's) settings in

@@ -3,6 +3,9 @@
 #include "QvProperties.h"
 #include "Qvmstestframe.h"
 #include "Qvmstestpublishframe.h"
+#include "Qvvsdotnetbuildframe.h"
+#include "Qvvsdotnetpathsframe.h"
+#include "Qvvsdotnetprojectframe.h"
 #include "Qvvsdotnetsolutioniteratorframe.h"
 #include "Qvvsdotnetwebprojectdetectionframe.h"
 
@@ -25,6 +28,9 @@ std::unique_ptr<TQvPage> Make() {
 }  // namespace
 
 void RegisterPackagePages() {
+  RegisterPageClass("TVSDotNetProjectFrame", Make<TVSDotNetProjectFrame>);
+  RegisterPageClass("TVSDotNetPathsFrame", Make<TVSDotNetPathsFrame>);
+  RegisterPageClass("TVSDotNetBuildFrame", Make<TVSDotNetBuildFrame>);
   RegisterPageClass("TSolutionIteratorFrame", Make<TSolutionIteratorFrame>);
   RegisterPageClass("TMSTestFrame", Make<TMSTestFrame>);
   RegisterPageClass("TMSTestPublishFrame", Make<TMSTestPublishFrame>);

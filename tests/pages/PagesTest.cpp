@@ -6,7 +6,10 @@
 #include "Qvmstestframe.h"
 #include "Qvmstestpublishframe.h"
 #include "Qvvsdotnetaction.h"
+#include "Qvvsdotnetbuildframe.h"
 #include "Qvvsdotnetoptions.h"
+#include "Qvvsdotnetpathsframe.h"
+#include "Qvvsdotnetprojectframe.h"
 #include "Qvvsdotnetsolutioniterator.h"
 #include "Qvvsdotnetsolutioniteratorframe.h"
 #include "Qvvsdotnetwebprojectdetectionframe.h"
@@ -35,6 +38,8 @@ struct ScriptedDesign : IQvDesignServices {
   void ShowMessage(const std::string& text) override { Messages.push_back(text); }
   std::vector<std::string> VariableNames() override { return Variables; }
   TQvOptionsObject* Options(const std::string&) override { return nullptr; }
+  std::vector<TQvPage*> Editor;
+  std::vector<TQvPage*> EditorPages() override { return Editor; }
 };
 
 struct Pages : ::testing::Test {
@@ -159,6 +164,78 @@ TEST_F(Pages, ProjectDetectionShowsThePasswordPlainAndStoresItEncrypted) {
   page.Type("spiWebsiteNumber", "1a");
   EXPECT_FALSE(page.Validate(message));
   EXPECT_EQ(message, "The website number must be a whole number, not \"1a\"");
+}
+
+// The build action's first three pages in one editor, as the host opens them.
+struct BuildEditor {
+  TVSDotNetProjectFrame solution;
+  TVSDotNetPathsFrame paths;
+  TVSDotNetBuildFrame build;
+  std::vector<TQvPage*> All() { return {&solution, &paths, &build}; }
+};
+
+TEST_F(Pages, SolutionPageDrivesTheBuildAndPathsPages) {
+  TQvVSDotNetAction action;
+  action.SetPropValue("Solution", QV_EXAMPLES_DIR "/vs2008/Greeting.sln");
+  action.SetPropValue("SolutionConfiguration", "Release|Any CPU");
+  action.SetPropValue("VStudioVersion", "vs2008");
+  action.SetPropValue("BuildType", "btSelectedProjects");
+  BuildEditor editor;
+  design.Editor = editor.All();
+  for (TQvPage* page : editor.All())
+    Open(*page, action);
+  TVSDotNetProjectFrame& s = editor.solution;
+  EXPECT_EQ(s["cboConfigs"].Items, (std::vector<std::string>{"Debug|Any CPU", "Release|Any CPU"}));
+  EXPECT_EQ(s["cboConfigs"].Text, "Release|Any CPU");
+  ASSERT_GE(s["lstProjects"].Items.size(), 2u);
+  EXPECT_TRUE(editor.build["chkOverrideCompiler"].Enabled);
+  EXPECT_TRUE(editor.build["cmbMaxCPUs"].Enabled);
+
+  // Visual Studio .NET 2003: no MSBuild, and the other pages say it is needed.
+  s.Choose("cboVSVersion", 1);
+  EXPECT_FALSE(s["chkUseMSBuild"].Enabled);
+  EXPECT_TRUE(editor.build["lblUseMSbuildRequired"].Visible);
+  EXPECT_FALSE(editor.build["chkOverrideCompiler"].Enabled);
+  EXPECT_TRUE(editor.paths["lblUseMSbuildRequired"].Visible);
+  EXPECT_FALSE(editor.paths["edtOutputDir"].Enabled);
+  s.Choose("cboVSVersion", 2);  // 2005: MSBuild, but not the 2008-only options
+  EXPECT_TRUE(editor.build["lblVS2008Only1"].Visible);
+  EXPECT_FALSE(editor.build["cmbMaxCPUs"].Enabled);
+
+  editor.build.Toggle("chkOverrideWarnings");
+  editor.build.Toggle("chkAllWarningsAsErrors");
+  EXPECT_FALSE(editor.build["chkSpecifiedWarningsAsErrors"].Enabled);
+  EXPECT_FALSE(editor.build["edtWarningsAsErrors"].Enabled);
+
+  s.TickItem("lstProjects", 1, true);
+  s.TickItem("lstProjects", 0, true);
+  s.WriteActionData(&action);
+  editor.build.WriteActionData(&action);
+  TStringList selected;
+  selected.SetText(action.GetPropValue("SelectedProjects"));
+  EXPECT_EQ(selected.Count(), 2);
+  EXPECT_EQ(action.GetPropValue("VStudioVersion"), "vs2005");
+  EXPECT_EQ(action.GetPropValue("AllWarningsAsErrors"), "True");
+  s.Toggle("optBuildEnabledProjects");
+  EXPECT_FALSE(s["lstProjects"].Enabled);
+  s.WriteActionData(&action);
+  EXPECT_EQ(action.GetPropValue("BuildType"), "btAllProjects");
+  EXPECT_EQ(action.GetPropValue("SelectedProjects"), "");
+}
+
+TEST_F(Pages, ASolutionThatCannotBeOpenedLeavesTheDefaultConfigurations) {
+  TQvVSDotNetAction action;
+  BuildEditor editor;
+  design.Editor = editor.All();
+  Open(editor.solution, action);
+  editor.solution.LoadSolutionDetails(false, "/nonexistent/App.sln");
+  EXPECT_EQ(editor.solution["cboConfigs"].Items.size(), 6u);
+  EXPECT_EQ(editor.solution["cboConfigs"].Items[5], "Release|x64");
+  ASSERT_EQ(design.Messages.size(), 1u);
+  EXPECT_EQ(design.Messages[0].rfind("Error opening solution : ", 0), 0u) << design.Messages[0];
+  editor.solution.Type("txtSolution", "/nonexistent/App.sln");
+  editor.solution.PressAltButton("txtSolution");
+  EXPECT_EQ(design.Messages.back(), "Solution File not found : \"/nonexistent/App.sln\"");
 }
 
 }  // namespace
