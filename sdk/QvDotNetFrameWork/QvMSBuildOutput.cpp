@@ -275,7 +275,10 @@ bool TQvMSBuildStructuredOutputHelper::InstanceStarted(std::string_view file,
                                                        std::string_view parentField) {
   int id = 0, parent = -1;
   if (!ParseInstance(idField, id)) return false;
-  if (!ParseInstance(parentField, parent)) parent = -1;
+  // Instances form a tree in the order they start: a repeated instance is ignored, and one
+  // cannot be its own parent (a garbled line must not send the reader round in circles).
+  if (FInstances.count(id) != 0) return true;
+  if (!ParseInstance(parentField, parent) || parent == id) parent = -1;
   TInstance instance;
   AppendUnescaped(instance.file, file);
   instance.grouped = OpensGroup(instance.file, targets);
