@@ -196,6 +196,26 @@ int THostSession::CheckProject(const std::string& fileName) {
   return errors ? kExitBuildFailed : kExitSuccess;
 }
 
+std::unique_ptr<TActionEditor> THostSession::OpenEditor(const std::string& fileName,
+                                                        const std::string& selector) {
+  FProject = TProjectFile::Load(fileName);
+  TRunner& runner = NewRunner();
+  runner.LoadProject(*FProject);
+  TActionInstance action = runner.Instantiate(*FProject, SelectAction(*FProject, selector));
+  for (const auto& [cls, pages] : FServices.ActionPages())
+    if (qv::SameText(cls, action.TypeName))
+      return std::make_unique<TActionEditor>(*FProject, std::move(action), pages);
+  throw qv::Exception("The action type " + action.TypeName + " has no pages to edit it with");
+}
+
+std::vector<std::string> THostSession::ProjectVariableNames() const {
+  std::vector<std::string> names;
+  if (FProject)
+    for (const auto& v : FProject->Variables())
+      names.push_back(v.Name);
+  return names;
+}
+
 void THostSession::ReportInputError(std::string_view file, int64_t line, std::string_view text) {
   FLog->InputError(file, line, text);
 }

@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "ActionEditor.h"
 #include "DotNetInfo.h"
 #include "Expander.h"
 #include "HostServices.h"
@@ -74,6 +75,13 @@ class THostSession {
   // kExitSuccess when nothing but warnings was found, else kExitBuildFailed; throws
   // TProjectFileError when the project cannot be read.
   int CheckProject(const std::string& fileName);
+  // Opens the action of a project that `selector` names (see SelectAction) in its registered
+  // pages (the session must be a design-time one). Throws TProjectFileError when the project
+  // cannot be read and qv::Exception when the action has no pages.
+  std::unique_ptr<TActionEditor> OpenEditor(const std::string& fileName,
+                                            const std::string& selector);
+  // The build process's variables, for the pages that offer them.
+  std::vector<std::string> ProjectVariableNames() const;
   // Safe from any thread, at any time: stops the build (see TRunner::RequestStop), which then
   // ends with `exitStatus` (130 after an interrupt, 143 after a termination request).
   void RequestStop(int exitStatus);

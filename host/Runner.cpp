@@ -99,6 +99,13 @@ void TRunner::LoadProject(const TProjectFile& file) {
 void TRunner::CreateFromProject(const TProjectFile& file, const TProjectAction& source,
                                 std::vector<TActionInstance>& into) {
   if (!source.Enabled) return;
+  TActionInstance a = Instantiate(file, source);
+  for (const auto& child : source.Actions)
+    CreateFromProject(file, child, a.Children);
+  into.push_back(std::move(a));
+}
+
+TActionInstance TRunner::Instantiate(const TProjectFile& file, const TProjectAction& source) {
   const TActionRegistration* type = FServices.FindAction(source.Type);
   if (!type) file.Fail(source.Node, "Unknown action type \"" + source.Type + "\"");
   TActionInstance a = Create(*type);
@@ -113,9 +120,7 @@ void TRunner::CreateFromProject(const TProjectFile& file, const TProjectAction& 
   }
   if (source.HasNestedActions && !dynamic_cast<qv::TQvBaseIterator*>(a.Action.get()))
     file.Fail(source.Node, a.TypeName + " is not a loop action and cannot hold nested actions");
-  for (const auto& child : source.Actions)
-    CreateFromProject(file, child, a.Children);
-  into.push_back(std::move(a));
+  return a;
 }
 
 // ---- running -------------------------------------------------------------------------------

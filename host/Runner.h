@@ -47,6 +47,9 @@ class TRunner {
   // type or property, a value the property does not take, or nested actions under an action
   // that is no loop.
   void LoadProject(const TProjectFile& file);
+  // One action as the project configures it (enabled or not), without its nested actions.
+  // Throws TProjectFileError for an unknown type or property or a value it does not take.
+  TActionInstance Instantiate(const TProjectFile& file, const TProjectAction& source);
   // Adds one action of a registered type, to be configured by the caller.
   TActionInstance& AddAction(const TActionRegistration& type);
   // Sets a value of the property set `set`, creating the set (not saved anywhere) if needed.

@@ -12,8 +12,12 @@
 #include "DotNetInfo.h"
 #include "HostPlatform.h"
 #include "HostSession.h"
+#include "QvExceptions.h"
 #include "QvPlatform.h"
 #include "QvSysUtils.h"
+#ifdef QV_HAVE_QT
+#include "ui/EditorWindow.h"
+#endif
 
 namespace {
 
@@ -40,6 +44,7 @@ struct TCommandLine {
   std::string Ci = "auto";
   std::string Format = "text";
   bool Sequence = false;
+  std::string Action, ScreenshotDir;
   bool NoColour = false, NoDefaultPackages = false;
   std::string Project, Type;
   std::vector<std::string> Assignments;
@@ -84,6 +89,19 @@ void AddGlobalOptions(CLI::App& app, TCommandLine& cl) {
       ->check(CLI::IsMember({"auto", "none", "azure", "github", "teamcity"}, CLI::ignore_case));
 }
 
+int Edit(qvhost::THostSession& session, const TCommandLine& cl) {
+#ifdef QV_HAVE_QT
+  std::unique_ptr<qvhost::TActionEditor> editor = session.OpenEditor(cl.Project, cl.Action);
+  return qvhost::ui::RunEditCommand(*editor, session.ProjectVariableNames(), cl.ScreenshotDir);
+#else
+  (void)session;
+  (void)cl;
+  throw qv::Exception(
+      "This qvhost was built without Qt 6 Widgets: install qt6-base-dev and "
+      "build again to edit actions in a window");
+#endif
+}
+
 int Run(CLI::App& app, TCommandLine& cl) {
   auto& s = cl.Settings;
   std::string bad;
@@ -93,6 +111,7 @@ int Run(CLI::App& app, TCommandLine& cl) {
     return qvhost::kExitBadInput;
   }
   s.DefaultPackages = !cl.NoDefaultPackages;
+  if (app.got_subcommand("edit")) s.DesignTime = true;
   qvhost::TMSBuildEngine engine = qvhost::TMSBuildEngine::Auto;
   qvhost::ParseMSBuildEngine(cl.MSBuildEngine, engine);
   s.FallbackFramework =
@@ -107,6 +126,7 @@ int Run(CLI::App& app, TCommandLine& cl) {
     qvhost::platform::TInterruptWatcher watcher(
         [&session](int status) { session->RequestStop(status); });
     if (app.got_subcommand("run")) return session->RunProject(cl.Project);
+    if (app.got_subcommand("edit")) return Edit(*session, cl);
     if (app.got_subcommand("describe"))
       return session->DescribeAction(cl.Type, cl.Format == "json");
     if (app.got_subcommand("check")) return session->CheckProject(cl.Project);
@@ -151,6 +171,13 @@ int main(int argc, char** argv) {
   CLI::App* check = app.add_subcommand(
       "check", "Validates a project without running it: settings, variables, the solution");
   check->add_option("PROJECT", cl.Project, "The project file")->required();
+  CLI::App* edit = app.add_subcommand("edit", "Edits an action of a project in its pages");
+  edit->add_option("PROJECT", cl.Project, "The project file")->required();
+  edit->add_option("--action", cl.Action, "The action: its position (1, 2, ...) or caption")
+      ->type_name("N|CAPTION");
+  edit->add_option("--screenshot", cl.ScreenshotDir,
+                   "Writes each page as DIR/PAGE.png instead of showing the window")
+      ->type_name("DIR");
   CLI::App* exec = app.add_subcommand("exec", "Runs one action with the given property values");
   exec->add_option("TYPE", cl.Type, "The action's class name or caption")->required();
   exec->add_option("ASSIGNMENT", cl.Assignments,

@@ -11,6 +11,7 @@ packages=(
   mono-xbuild mono-mcs mono-devel
   clang-14 libclang-rt-14-dev
   apache2
+  qt6-base-dev
 )
 
 missing=()

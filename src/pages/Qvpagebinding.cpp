@@ -3,11 +3,16 @@
 #include "QvProperties.h"
 #include "Qvmstestframe.h"
 #include "Qvmstestpublishframe.h"
+#include "Qvvc7versioninfoframe.h"
+#include "Qvvsdotnetassemblyframe.h"
 #include "Qvvsdotnetbuildframe.h"
+#include "Qvvsdotnetoptionsframe.h"
 #include "Qvvsdotnetpathsframe.h"
 #include "Qvvsdotnetprojectframe.h"
 #include "Qvvsdotnetsolutioniteratorframe.h"
 #include "Qvvsdotnetwebprojectdetectionframe.h"
+#include "Qvwin32versioninfoupdaterframe.h"
+#include "Vsnetsln.h"
 
 namespace qv {
 
@@ -18,6 +23,58 @@ int PropOrdinal(const TQvPersistent& obj, const char* name) {
 
 void SetPropOrdinal(TQvPersistent& obj, const char* name, int ordinal) {
   obj.SetPropValue(name, std::to_string(ordinal));
+}
+
+void TProjectChoicePage::AddProjectChoice(const std::string& prefix) {
+  FPrefix = prefix;
+  Add(TQvControlKind::RadioButton, "rb" + prefix + "All", "All projects");
+  Add(TQvControlKind::RadioButton, "rb" + prefix + "Selected", "The projects ticked below");
+  NextRow();
+  Add(TQvControlKind::CheckList, "lst" + prefix + "Projects");
+  NextRow();
+}
+
+void TProjectChoicePage::ReadProjectChoice(TCustomQvAction& action, const char* applyProp,
+                                           const char* listProp) {
+  TQvControl& list = (*this)["lst" + FPrefix + "Projects"];
+  list.Items.clear();
+  FProjectIds.clear();
+  try {
+    IntfPtr<IVSDotNetProjects> projects =
+        OpenSolution(action.ExpandExpression(action.GetPropValue("Solution"), false), false)
+            ->GetProjects();
+    for (int i = 0; i < projects->GetCount(); ++i) {
+      list.Items.push_back(projects->GetItem(i)->GetName());
+      FProjectIds.push_back(projects->GetItem(i)->GetProjectGUID());
+    }
+  } catch (const std::exception&) {
+    // Without a readable solution there is nothing to tick; the Solution page says why.
+  }
+  TStringList ticked;
+  ticked.SetText(action.GetPropValue(listProp));
+  list.ItemChecked.assign(list.Items.size(), false);
+  for (size_t i = 0; i < FProjectIds.size(); ++i)
+    list.ItemChecked[i] = ticked.IndexOf(FProjectIds[i]) >= 0;
+  CheckRadio(PropOrdinal(action, applyProp) == 1 ? "rb" + FPrefix + "Selected"
+                                                 : "rb" + FPrefix + "All");
+}
+
+void TProjectChoicePage::WriteProjectChoice(TCustomQvAction& action, const char* applyProp,
+                                            const char* listProp) {
+  bool selected = (*this)["rb" + FPrefix + "Selected"].Checked;
+  SetPropOrdinal(action, applyProp, selected ? 1 : 0);
+  const TQvControl& list = (*this)["lst" + FPrefix + "Projects"];
+  TStringList ticked;
+  for (size_t i = 0; i < FProjectIds.size(); ++i)
+    if (selected && list.ItemChecked[i]) ticked.Add(FProjectIds[i]);
+  action.SetPropValue(listProp, ticked.Text());
+}
+
+void TProjectChoicePage::EnableProjectChoice(bool enabled) {
+  (*this)["rb" + FPrefix + "All"].Enabled = enabled;
+  (*this)["rb" + FPrefix + "Selected"].Enabled = enabled;
+  (*this)["lst" + FPrefix + "Projects"].Enabled =
+      enabled && (*this)["rb" + FPrefix + "Selected"].Checked;
 }
 
 namespace {
@@ -31,6 +88,10 @@ void RegisterPackagePages() {
   RegisterPageClass("TVSDotNetProjectFrame", Make<TVSDotNetProjectFrame>);
   RegisterPageClass("TVSDotNetPathsFrame", Make<TVSDotNetPathsFrame>);
   RegisterPageClass("TVSDotNetBuildFrame", Make<TVSDotNetBuildFrame>);
+  RegisterPageClass("TVSDotNetAssemblyFrame", Make<TVSDotNetAssemblyFrame>);
+  RegisterPageClass("TVC7VersionInfoFrame", Make<TVC7VersionInfoFrame>);
+  RegisterPageClass("TVSDotNetOptionsFrame", Make<TVSDotNetOptionsFrame>);
+  RegisterPageClass("TWin32VersionInfoUpdaterFrame", Make<TWin32VersionInfoUpdaterFrame>);
   RegisterPageClass("TSolutionIteratorFrame", Make<TSolutionIteratorFrame>);
   RegisterPageClass("TMSTestFrame", Make<TMSTestFrame>);
   RegisterPageClass("TMSTestPublishFrame", Make<TMSTestPublishFrame>);
