@@ -1,19 +1,59 @@
 #include "ActionEditor.h"
 
 #include "QvExceptions.h"
+#include "QvOptions.h"
 #include "QvSysUtils.h"
 
 namespace qvhost {
 
-TActionEditor::TActionEditor(TProjectFile& project, TActionInstance action,
-                             const std::vector<std::string>& pageClasses)
-    : FProject(project), FAction(std::move(action)) {
+TPageEditor::TPageEditor(const std::vector<std::string>& pageClasses) {
   for (const auto& name : pageClasses) {
     std::unique_ptr<qv::TQvPage> page = qv::CreatePage(name);
     if (!page) throw qv::Exception("No loaded package provides the page " + name);
     FPages.push_back(std::move(page));
   }
 }
+
+TPageEditor::~TPageEditor() = default;
+
+bool TPageEditor::ValidatePages(std::string& message) {
+  for (auto& page : FPages)
+    if (!page->Validate(message)) {
+      message = page->PageName() + ": " + message;
+      return false;
+    }
+  return true;
+}
+
+TOptionsEditor::TOptionsEditor(qv::TQvOptionsObject& options,
+                               const std::vector<std::string>& pageClasses,
+                               std::function<void()> save)
+    : TPageEditor(pageClasses), FOptions(options), FSave(std::move(save)) {}
+
+std::string TOptionsEditor::Title() const {
+  return FOptions.GetName() + " options";
+}
+
+void TOptionsEditor::Open(qv::IQvDesignServices* services) {
+  for (auto& page : FPages) {
+    page->SetServices(services);
+    page->InitFrame();
+    page->InitPage(nullptr);
+    page->ReadOptions(&FOptions);
+  }
+}
+
+bool TOptionsEditor::Apply(std::string& message) {
+  if (!ValidatePages(message)) return false;
+  for (auto& page : FPages)
+    page->WriteOptions(&FOptions);
+  FSave();
+  return true;
+}
+
+TActionEditor::TActionEditor(TProjectFile& project, TActionInstance action,
+                             const std::vector<std::string>& pageClasses)
+    : TPageEditor(pageClasses), FProject(project), FAction(std::move(action)) {}
 
 TActionEditor::~TActionEditor() = default;
 
@@ -33,11 +73,7 @@ void TActionEditor::Open(qv::IQvDesignServices* services) {
 }
 
 bool TActionEditor::Apply(std::string& message) {
-  for (auto& page : FPages)
-    if (!page->Validate(message)) {
-      message = page->PageName() + ": " + message;
-      return false;
-    }
+  if (!ValidatePages(message)) return false;
   qv::TCustomQvAction& action = *FAction.Action;
   std::vector<std::string> before;
   auto props = action.GetPropertyTable().All();

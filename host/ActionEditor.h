@@ -3,6 +3,7 @@
 // changed into the project file in place. Toolkit-free: a window draws the pages.
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -12,7 +13,42 @@
 
 namespace qvhost {
 
-class TActionEditor {
+// Pages shown together in one window, filled from what they edit and applied back.
+class TPageEditor {
+ public:
+  virtual ~TPageEditor();
+  // What the window shows in its title.
+  virtual std::string Title() const = 0;
+  const std::vector<std::unique_ptr<qv::TQvPage>>& Pages() const { return FPages; }
+  // Gives the pages their design-time services and fills them.
+  virtual void Open(qv::IQvDesignServices* services) = 0;
+  // Validates every page (false with the page's reason in `message`, nothing written), then
+  // writes them back and saves. Throws qv::Exception when saving fails.
+  virtual bool Apply(std::string& message) = 0;
+
+ protected:
+  // Creates the pages; throws qv::Exception when no loaded package provides one.
+  explicit TPageEditor(const std::vector<std::string>& pageClasses);
+  bool ValidatePages(std::string& message);
+
+  std::vector<std::unique_ptr<qv::TQvPage>> FPages;
+};
+
+// The options object of a package in its option pages, saved into the options store.
+class TOptionsEditor : public TPageEditor {
+ public:
+  TOptionsEditor(qv::TQvOptionsObject& options, const std::vector<std::string>& pageClasses,
+                 std::function<void()> save);
+  std::string Title() const override;
+  void Open(qv::IQvDesignServices* services) override;
+  bool Apply(std::string& message) override;
+
+ private:
+  qv::TQvOptionsObject& FOptions;
+  std::function<void()> FSave;
+};
+
+class TActionEditor : public TPageEditor {
  public:
   // `pageClasses` in the order they were registered. Throws qv::Exception when a page class
   // is unknown to every loaded package.
@@ -20,20 +56,15 @@ class TActionEditor {
                 const std::vector<std::string>& pageClasses);
   ~TActionEditor();
 
-  // What the window shows in its title: the caption and the type.
-  std::string Title() const;
-  const std::vector<std::unique_ptr<qv::TQvPage>>& Pages() const { return FPages; }
-  // Gives the pages their design-time services and fills them from the action.
-  void Open(qv::IQvDesignServices* services);
-  // Validates every page (false with the page's reason in `message`, nothing written), then
-  // writes them back and saves the changed properties. Throws qv::Exception when saving fails
-  // (the file then stays as it was).
-  bool Apply(std::string& message);
+  // The caption and the type.
+  std::string Title() const override;
+  void Open(qv::IQvDesignServices* services) override;
+  // Saves only the properties that changed; the file stays as it was when saving fails.
+  bool Apply(std::string& message) override;
 
  private:
   TProjectFile& FProject;
   TActionInstance FAction;
-  std::vector<std::unique_ptr<qv::TQvPage>> FPages;
 };
 
 // The action of `project` that `selector` names: its 1-based position among the top-level

@@ -208,6 +208,15 @@ std::unique_ptr<TActionEditor> THostSession::OpenEditor(const std::string& fileN
   throw qv::Exception("The action type " + action.TypeName + " has no pages to edit it with");
 }
 
+std::unique_ptr<TOptionsEditor> THostSession::OpenOptionsEditor() {
+  for (const auto& [cls, pages] : FServices.OptionPages())
+    for (const auto& o : FServices.Options())
+      if (qv::SameText(o.Class->ClassName, cls))
+        return std::make_unique<TOptionsEditor>(*o.Options, pages,
+                                                [this] { FServices.SaveModifiedOptions(*FStore); });
+  throw qv::Exception("No loaded package has options pages");
+}
+
 std::vector<std::string> THostSession::ProjectVariableNames() const {
   std::vector<std::string> names;
   if (FProject)

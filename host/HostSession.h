@@ -80,6 +80,8 @@ class THostSession {
   // cannot be read and qv::Exception when the action has no pages.
   std::unique_ptr<TActionEditor> OpenEditor(const std::string& fileName,
                                             const std::string& selector);
+  // The first options object that has option pages, in its pages; OK saves the options store.
+  std::unique_ptr<TOptionsEditor> OpenOptionsEditor();
   // The build process's variables, for the pages that offer them.
   std::vector<std::string> ProjectVariableNames() const;
   // Safe from any thread, at any time: stops the build (see TRunner::RequestStop), which then

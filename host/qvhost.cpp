@@ -89,13 +89,18 @@ void AddGlobalOptions(CLI::App& app, TCommandLine& cl) {
       ->check(CLI::IsMember({"auto", "none", "azure", "github", "teamcity"}, CLI::ignore_case));
 }
 
-int Edit(qvhost::THostSession& session, const TCommandLine& cl) {
+int Edit(qvhost::THostSession& session, const TCommandLine& cl, bool options) {
 #ifdef QV_HAVE_QT
-  std::unique_ptr<qvhost::TActionEditor> editor = session.OpenEditor(cl.Project, cl.Action);
+  std::unique_ptr<qvhost::TPageEditor> editor;
+  if (options)
+    editor = session.OpenOptionsEditor();
+  else
+    editor = session.OpenEditor(cl.Project, cl.Action);
   return qvhost::ui::RunEditCommand(*editor, session.ProjectVariableNames(), cl.ScreenshotDir);
 #else
   (void)session;
   (void)cl;
+  (void)options;
   throw qv::Exception(
       "This qvhost was built without Qt 6 Widgets: install qt6-base-dev and "
       "build again to edit actions in a window");
@@ -111,7 +116,7 @@ int Run(CLI::App& app, TCommandLine& cl) {
     return qvhost::kExitBadInput;
   }
   s.DefaultPackages = !cl.NoDefaultPackages;
-  if (app.got_subcommand("edit")) s.DesignTime = true;
+  if (app.got_subcommand("edit") || app.got_subcommand("options")) s.DesignTime = true;
   qvhost::TMSBuildEngine engine = qvhost::TMSBuildEngine::Auto;
   qvhost::ParseMSBuildEngine(cl.MSBuildEngine, engine);
   s.FallbackFramework =
@@ -126,7 +131,8 @@ int Run(CLI::App& app, TCommandLine& cl) {
     qvhost::platform::TInterruptWatcher watcher(
         [&session](int status) { session->RequestStop(status); });
     if (app.got_subcommand("run")) return session->RunProject(cl.Project);
-    if (app.got_subcommand("edit")) return Edit(*session, cl);
+    if (app.got_subcommand("edit")) return Edit(*session, cl, false);
+    if (app.got_subcommand("options")) return Edit(*session, cl, true);
     if (app.got_subcommand("describe"))
       return session->DescribeAction(cl.Type, cl.Format == "json");
     if (app.got_subcommand("check")) return session->CheckProject(cl.Project);
@@ -176,6 +182,11 @@ int main(int argc, char** argv) {
   edit->add_option("--action", cl.Action, "The action: its position (1, 2, ...) or caption")
       ->type_name("N|CAPTION");
   edit->add_option("--screenshot", cl.ScreenshotDir,
+                   "Writes each page as DIR/PAGE.png instead of showing the window")
+      ->type_name("DIR");
+  CLI::App* options = app.add_subcommand("options", "Edits the options store in its pages");
+  options
+      ->add_option("--screenshot", cl.ScreenshotDir,
                    "Writes each page as DIR/PAGE.png instead of showing the window")
       ->type_name("DIR");
   CLI::App* exec = app.add_subcommand("exec", "Runs one action with the given property values");

@@ -7,6 +7,7 @@
 #include <QDialog>
 #include <QDialogButtonBox>
 #include <QFileDialog>
+#include <QGridLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -19,6 +20,7 @@
 #include <QTabWidget>
 #include <QToolButton>
 #include <QVBoxLayout>
+#include <algorithm>
 #include <cstdio>
 #include <functional>
 #include <map>
@@ -48,7 +50,7 @@ QString QtFilter(const std::string& filter) {
 // The design-time services answered by the person at the window.
 class TDialogServices : public qv::IQvDesignServices {
  public:
-  TDialogServices(QWidget* parent, TActionEditor& editor, std::vector<std::string> variables)
+  TDialogServices(QWidget* parent, TPageEditor& editor, std::vector<std::string> variables)
       : FParent(parent), FEditor(editor), FVariables(std::move(variables)) {}
   bool BrowseFile(const std::string& title, const std::string& filter, const std::string&,
                   const std::string& start, std::string& chosen) override {
@@ -80,7 +82,7 @@ class TDialogServices : public qv::IQvDesignServices {
 
  private:
   QWidget* FParent;
-  TActionEditor& FEditor;
+  TPageEditor& FEditor;
   std::vector<std::string> FVariables;
 };
 
@@ -89,29 +91,39 @@ class TPageView : public QWidget {
  public:
   TPageView(qv::TQvPage& page, std::function<void()> refreshAll)
       : FPage(page), FRefreshAll(std::move(refreshAll)) {
+    // Each box lays its rows on a grid, so labels and fields line up in columns.
     auto* outer = new QVBoxLayout(this);
-    std::map<std::string, QGroupBox*> boxes;
-    std::map<std::pair<std::string, int>, QHBoxLayout*> rows;
+    std::map<std::string, QGridLayout*> grids;
+    std::map<std::pair<std::string, int>, std::pair<int, int>> cells;  // row -> grid row, column
     for (const auto& c : page.Controls()) {
-      QVBoxLayout* column = outer;
-      if (!c->Group.empty()) {
-        QGroupBox*& box = boxes[c->Group];
-        if (!box) {
-          box = new QGroupBox(Q(c->Group), this);
-          box->setLayout(new QVBoxLayout);
+      QGridLayout*& grid = grids[c->Group];
+      if (!grid) {
+        grid = new QGridLayout;
+        if (c->Group.empty()) {
+          outer->addLayout(grid);
+        } else {
+          auto* box = new QGroupBox(Q(c->Group), this);
+          box->setLayout(grid);
           outer->addWidget(box);
         }
-        column = static_cast<QVBoxLayout*>(box->layout());
       }
-      QHBoxLayout*& row = rows[{c->Group, c->Row}];
-      if (!row) {
-        row = new QHBoxLayout;
-        column->addLayout(row);
-      }
-      row->addWidget(Make(*c));
+      auto [it, added] = cells.try_emplace({c->Group, c->Row}, grid->rowCount(), 0);
+      if (added && grid->count() == 0) it->second.first = 0;
+      QWidget* w = Make(*c);
+      if (c->Chars > 0) w->setFixedWidth(w->fontMetrics().averageCharWidth() * c->Chars + 16);
+      // A row of one list or memo takes the box's whole width.
+      bool alone =
+          std::count_if(page.Controls().begin(), page.Controls().end(), [&](const auto& o) {
+            return o->Group == c->Group && o->Row == c->Row;
+          }) == 1;
+      bool wide = c->Kind == TQvControlKind::CheckList || c->Kind == TQvControlKind::Memo;
+      if (alone && wide)
+        grid->addWidget(w, it->second.first, 0, 1, -1);
+      else
+        grid->addWidget(w, it->second.first, it->second.second++, Qt::AlignLeft);
     }
-    for (auto& [key, row] : rows)
-      row->addStretch(0);
+    for (auto& [group, grid] : grids)
+      grid->setColumnStretch(grid->columnCount(), 1);
     outer->addStretch(1);
   }
 
@@ -191,6 +203,7 @@ QWidget* TPageView::Make(TQvControl& c) {
     case TQvControlKind::Edit:
     case TQvControlKind::SpinEdit: {
       auto* e = new QLineEdit(this);
+      e->setMinimumWidth(c.Kind == TQvControlKind::SpinEdit ? 80 : 220);
       w = e;
       QObject::connect(e, &QLineEdit::textEdited, [this, &c](const QString& t) {
         FPage.Type(c.Name, t.toStdString());
@@ -312,7 +325,7 @@ QWidget* TPageView::Make(TQvControl& c) {
 // The dialog with one tab per page, in the order the pages were registered.
 class TEditorDialog : public QDialog {
  public:
-  TEditorDialog(TActionEditor& editor, const std::vector<std::string>& variables)
+  TEditorDialog(TPageEditor& editor, const std::vector<std::string>& variables)
       : FEditor(editor), FServices(this, editor, variables) {
     setWindowTitle(Q(editor.Title()));
     auto* layout = new QVBoxLayout(this);
@@ -349,7 +362,7 @@ class TEditorDialog : public QDialog {
     QMessageBox::warning(this, "Quorvex", Q(message));
   }
 
-  TActionEditor& FEditor;
+  TPageEditor& FEditor;
   TDialogServices FServices;
   QTabWidget* FTabs;
   std::vector<TPageView*> FViews;
@@ -357,12 +370,17 @@ class TEditorDialog : public QDialog {
 
 }  // namespace
 
-bool RunEditorDialog(TActionEditor& editor, const std::vector<std::string>& variables) {
+std::unique_ptr<QDialog> MakeEditorDialog(TPageEditor& editor,
+                                          const std::vector<std::string>& variables) {
+  return std::make_unique<TEditorDialog>(editor, variables);
+}
+
+bool RunEditorDialog(TPageEditor& editor, const std::vector<std::string>& variables) {
   TEditorDialog dialog(editor, variables);
   return dialog.exec() == QDialog::Accepted;
 }
 
-std::vector<std::string> ScreenshotPages(TActionEditor& editor,
+std::vector<std::string> ScreenshotPages(TPageEditor& editor,
                                          const std::vector<std::string>& variables,
                                          const std::string& dir,
                                          std::vector<std::string>& messages) {
@@ -382,7 +400,7 @@ std::vector<std::string> ScreenshotPages(TActionEditor& editor,
   return files;
 }
 
-int RunEditCommand(TActionEditor& editor, const std::vector<std::string>& variables,
+int RunEditCommand(TPageEditor& editor, const std::vector<std::string>& variables,
                    const std::string& screenshotDir) {
   if (!screenshotDir.empty()) qputenv("QT_QPA_PLATFORM", "offscreen");
   int argc = 1;

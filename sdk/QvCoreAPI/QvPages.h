@@ -33,6 +33,7 @@ struct TQvControl {
   std::string Name, Caption, Hint;
   std::string Group;  // the caption of the box it sits in (radio buttons: their set)
   int Row = 0;        // rows top to bottom within the page; a row's controls left to right
+  int Chars = 0;      // the width a field needs, in characters; 0: the toolkit's choice
   bool Enabled = true, Visible = true;
   std::string Text;                       // edits, memos (lines joined by CR LF), combo boxes
   bool Checked = false;                   // check and radio buttons

@@ -42,15 +42,18 @@ TVSDotNetAssemblyFrame::TVSDotNetAssemblyFrame() {
   StartGroup("Versions");
   for (const auto& [prop, label] : kVersions) {
     Add(TQvControlKind::CheckBox, std::string("chkUpdate") + prop, label);
-    for (const char* part : kParts)
-      Add(TQvControlKind::Edit, std::string("edt") + prop + part).Hint = part;
+    for (const char* part : kParts) {
+      TQvControl& edit = Add(TQvControlKind::Edit, std::string("edt") + prop + part);
+      edit.Hint = part;
+      edit.Chars = 8;
+    }
     NextRow();
   }
   for (const auto& [name, caption, prop] : kSwitches) {
-    Add(TQvControlKind::CheckBox, name, caption);
     NextRow();
+    Add(TQvControlKind::CheckBox, name, caption);
   }
-  Add(TQvControlKind::Edit, "edtDotNetPropertySet");
+  Add(TQvControlKind::Edit, "edtDotNetPropertySet");  // beside its box
   for (const auto& c : Controls())
     if (c->Kind == TQvControlKind::CheckBox || c->Kind == TQvControlKind::RadioButton)
       c->OnClick = [this] { UpdateControls(); };
