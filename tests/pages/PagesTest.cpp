@@ -8,6 +8,7 @@
 #include "Qvvsdotnetaction.h"
 #include "Qvvsdotnetbuildframe.h"
 #include "Qvvsdotnetoptions.h"
+#include "Qvvsdotnetoptionsframe.h"
 #include "Qvvsdotnetpathsframe.h"
 #include "Qvvsdotnetprojectframe.h"
 #include "Qvvsdotnetsolutioniterator.h"
@@ -236,6 +237,23 @@ TEST_F(Pages, ASolutionThatCannotBeOpenedLeavesTheDefaultConfigurations) {
   editor.solution.Type("txtSolution", "/nonexistent/App.sln");
   editor.solution.PressAltButton("txtSolution");
   EXPECT_EQ(design.Messages.back(), "Solution File not found : \"/nonexistent/App.sln\"");
+}
+
+TEST_F(Pages, OptionsPageCutsDevenvPathsToTheirFolderThe2008OneInto2005) {
+  auto* options = dynamic_cast<TQvOptionsObject*>(VSDotNetOptions().Get());
+  TVSDotNetOptionsFrame page;
+  page.SetServices(&design);
+  page.InitPage(nullptr);
+  page.ReadOptions(options);
+  EXPECT_EQ(page["cmbVSVer"].Items.size(), 6u);
+  page.Type("edtDevEnv2003", "C:\\VS7\\Common7\\IDE\\DEVENV.EXE");
+  page.Type("edtDevEnv2008", "C:\\VS9\\Common7\\IDE\\devenv.com");
+  page.Choose("cmbVSVer", 5);
+  page.WriteOptions(options);
+  EXPECT_EQ(options->GetPropValue("DevEnv2003Location"), "C:\\VS7\\Common7\\IDE\\");
+  EXPECT_EQ(options->GetPropValue("DevEnv2005Location"), "C:\\VS9\\Common7\\IDE\\");
+  EXPECT_EQ(options->GetPropValue("DevEnv2008Location"), "C:\\VS9\\Common7\\IDE\\devenv.com");
+  EXPECT_EQ(VSDotNetOptions()->GetDefaultVSVersion(), 5);
 }
 
 }  // namespace
