@@ -20,6 +20,8 @@ class TPageEditor {
   // What the window shows in its title.
   virtual std::string Title() const = 0;
   const std::vector<std::unique_ptr<qv::TQvPage>>& Pages() const { return FPages; }
+  // The page the window opens at (empty: the first).
+  std::string StartPage;
   // Gives the pages their design-time services and fills them.
   virtual void Open(qv::IQvDesignServices* services) = 0;
   // Validates every page (false with the page's reason in `message`, nothing written), then

@@ -197,15 +197,26 @@ int THostSession::CheckProject(const std::string& fileName) {
 }
 
 std::unique_ptr<TActionEditor> THostSession::OpenEditor(const std::string& fileName,
-                                                        const std::string& selector) {
+                                                        const std::string& selector,
+                                                        const std::string& property) {
   FProject = TProjectFile::Load(fileName);
   TRunner& runner = NewRunner();
   runner.LoadProject(*FProject);
   TActionInstance action = runner.Instantiate(*FProject, SelectAction(*FProject, selector));
+  std::string type = action.TypeName;
+  std::unique_ptr<TActionEditor> editor;
   for (const auto& [cls, pages] : FServices.ActionPages())
-    if (qv::SameText(cls, action.TypeName))
-      return std::make_unique<TActionEditor>(*FProject, std::move(action), pages);
-  throw qv::Exception("The action type " + action.TypeName + " has no pages to edit it with");
+    if (qv::SameText(cls, type))
+      editor = std::make_unique<TActionEditor>(*FProject, std::move(action), pages);
+  if (!editor) throw qv::Exception("The action type " + type + " has no pages to edit it with");
+  if (property.empty()) return editor;
+  for (const auto& e : FServices.PropertyEditors())
+    if (qv::SameText(e.Class->ClassName, type) && qv::SameText(e.PropertyName, property)) {
+      // The host's own editor of a property opens the action's pages at the first one.
+      if (auto pe = qv::CreatePropertyEditor(e.Editor)) editor->StartPage = pe->GetPage();
+      return editor;
+    }
+  throw qv::Exception("The property " + property + " of " + type + " has no editor");
 }
 
 std::unique_ptr<TOptionsEditor> THostSession::OpenOptionsEditor() {

@@ -78,8 +78,10 @@ class THostSession {
   // Opens the action of a project that `selector` names (see SelectAction) in its registered
   // pages (the session must be a design-time one). Throws TProjectFileError when the project
   // cannot be read and qv::Exception when the action has no pages.
+  // With `property`, the editor opens at the page the property's registered editor names.
   std::unique_ptr<TActionEditor> OpenEditor(const std::string& fileName,
-                                            const std::string& selector);
+                                            const std::string& selector,
+                                            const std::string& property = {});
   // The first options object that has option pages, in its pages; OK saves the options store.
   std::unique_ptr<TOptionsEditor> OpenOptionsEditor();
   // The build process's variables, for the pages that offer them.

@@ -44,7 +44,7 @@ struct TCommandLine {
   std::string Ci = "auto";
   std::string Format = "text";
   bool Sequence = false;
-  std::string Action, ScreenshotDir;
+  std::string Action, ScreenshotDir, Property;
   bool NoColour = false, NoDefaultPackages = false;
   std::string Project, Type;
   std::vector<std::string> Assignments;
@@ -95,7 +95,7 @@ int Edit(qvhost::THostSession& session, const TCommandLine& cl, bool options) {
   if (options)
     editor = session.OpenOptionsEditor();
   else
-    editor = session.OpenEditor(cl.Project, cl.Action);
+    editor = session.OpenEditor(cl.Project, cl.Action, cl.Property);
   return qvhost::ui::RunEditCommand(*editor, session.ProjectVariableNames(), cl.ScreenshotDir);
 #else
   (void)session;
@@ -181,6 +181,9 @@ int main(int argc, char** argv) {
   edit->add_option("PROJECT", cl.Project, "The project file")->required();
   edit->add_option("--action", cl.Action, "The action: its position (1, 2, ...) or caption")
       ->type_name("N|CAPTION");
+  edit->add_option("--property", cl.Property,
+                   "Opens the page where this property is edited (its property editor's)")
+      ->type_name("NAME");
   edit->add_option("--screenshot", cl.ScreenshotDir,
                    "Writes each page as DIR/PAGE.png instead of showing the window")
       ->type_name("DIR");

@@ -337,6 +337,8 @@ class TEditorDialog : public QDialog {
       FViews.push_back(view);
       FTabs->addTab(view, Q(page->PageName()));
     }
+    for (int i = 0; i < FTabs->count(); ++i)
+      if (FTabs->tabText(i).toStdString() == editor.StartPage) FTabs->setCurrentIndex(i);
     RefreshAll();
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
     layout->addWidget(buttons);

@@ -85,20 +85,36 @@ void TQvPage::PressAltButton(const std::string& name) {
   Fire((*this)[name].OnAltButton);
 }
 
+TQvPropertyEditor::~TQvPropertyEditor() = default;
+
 namespace {
-std::map<std::string, TQvPageFactory>& PageClasses() {
-  static std::map<std::string, TQvPageFactory> classes;
+template <class Factory>
+std::map<std::string, Factory>& Classes() {
+  static std::map<std::string, Factory> classes;
   return classes;
+}
+
+template <class Factory>
+auto Create(const std::string& className) -> decltype(Factory()()) {
+  auto it = Classes<Factory>().find(className);
+  return it == Classes<Factory>().end() ? nullptr : it->second();
 }
 }  // namespace
 
 void RegisterPageClass(const std::string& className, TQvPageFactory factory) {
-  PageClasses()[className] = factory;
+  Classes<TQvPageFactory>()[className] = factory;
 }
 
 std::unique_ptr<TQvPage> CreatePage(const std::string& className) {
-  auto it = PageClasses().find(className);
-  return it == PageClasses().end() ? nullptr : it->second();
+  return Create<TQvPageFactory>(className);
+}
+
+void RegisterPropertyEditorClass(const std::string& className, TQvPropertyEditorFactory factory) {
+  Classes<TQvPropertyEditorFactory>()[className] = factory;
+}
+
+std::unique_ptr<TQvPropertyEditor> CreatePropertyEditor(const std::string& className) {
+  return Create<TQvPropertyEditorFactory>(className);
 }
 
 }  // namespace qv

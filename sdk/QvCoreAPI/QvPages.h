@@ -121,11 +121,23 @@ class TQvPage {
   IQvDesignServices* FServices = nullptr;
 };
 
+// A package's editor of one property in the host's inspector: it names the page of the action
+// editor that edits the property, which the host opens at that page.
+class TQvPropertyEditor {
+ public:
+  virtual ~TQvPropertyEditor();
+  virtual std::string GetPage() const = 0;
+};
+
 using TQvPageFactory = std::unique_ptr<TQvPage> (*)();
+using TQvPropertyEditorFactory = std::unique_ptr<TQvPropertyEditor> (*)();
 
 // Page classes by the names packages register them under (RegisterActionPages): the package
 // adds each class, the host creates pages by name. Null for an unknown name.
 void RegisterPageClass(const std::string& className, TQvPageFactory factory);
 std::unique_ptr<TQvPage> CreatePage(const std::string& className);
+// The same for property editor classes (RegisterPropertyEditor).
+void RegisterPropertyEditorClass(const std::string& className, TQvPropertyEditorFactory factory);
+std::unique_ptr<TQvPropertyEditor> CreatePropertyEditor(const std::string& className);
 
 }  // namespace qv

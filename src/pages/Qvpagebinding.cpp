@@ -84,7 +84,17 @@ std::unique_ptr<TQvPage> Make() {
 }
 }  // namespace
 
+namespace {
+// Picking a solution file, or one of its configurations, happens on the Solution page.
+class TSolutionEditor : public TQvPropertyEditor {
+ public:
+  std::string GetPage() const override { return "Solution"; }
+};
+}  // namespace
+
 void RegisterPackagePages() {
+  RegisterPropertyEditorClass(
+      "TSolutionEditor", [] { return std::unique_ptr<TQvPropertyEditor>(new TSolutionEditor); });
   RegisterPageClass("TVSDotNetProjectFrame", Make<TVSDotNetProjectFrame>);
   RegisterPageClass("TVSDotNetPathsFrame", Make<TVSDotNetPathsFrame>);
   RegisterPageClass("TVSDotNetBuildFrame", Make<TVSDotNetBuildFrame>);

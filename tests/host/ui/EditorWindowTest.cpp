@@ -111,6 +111,17 @@ TEST_F(EditorWindow, CancelWritesNothingAndStandaloneMSTestIsSaved) {
   EXPECT_EQ(qvtest::TempDir::Read(project), expected);
 }
 
+TEST_F(EditorWindow, APropertysEditorOpensItsPage) {
+  auto editor = session->OpenEditor(project, "Build", "SolutionConfiguration");
+  auto dialog = qvhost::ui::MakeEditorDialog(*editor, {});
+  EXPECT_EQ(dialog->findChild<QTabWidget*>()
+                ->currentWidget()
+                ->findChild<QComboBox*>("cboConfigs")
+                ->currentText(),
+            "Debug|Any CPU");
+  EXPECT_THROW(session->OpenEditor(project, "Build", "Nothing"), qv::Exception);
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
