@@ -114,11 +114,11 @@ TEST_F(EditorWindow, CancelWritesNothingAndStandaloneMSTestIsSaved) {
 TEST_F(EditorWindow, APropertysEditorOpensItsPage) {
   auto editor = session->OpenEditor(project, "Build", "SolutionConfiguration");
   auto dialog = qvhost::ui::MakeEditorDialog(*editor, {});
-  EXPECT_EQ(dialog->findChild<QTabWidget*>()
-                ->currentWidget()
-                ->findChild<QComboBox*>("cboConfigs")
-                ->currentText(),
-            "Debug|Any CPU");
+  auto* tabs = dialog->findChild<QTabWidget*>();
+  EXPECT_EQ(editor->StartPage, "Solution");
+  EXPECT_EQ(tabs->tabText(tabs->currentIndex()), "Solution");
+  editor = session->OpenEditor(project, "Build", "Win32VersionInfo");  // the host's own editor
+  EXPECT_EQ(editor->StartPage, "");
   EXPECT_THROW(session->OpenEditor(project, "Build", "Nothing"), qv::Exception);
 }
 
