@@ -228,11 +228,25 @@ std::unique_ptr<TOptionsEditor> THostSession::OpenOptionsEditor() {
   throw qv::Exception("No loaded package has options pages");
 }
 
+// The project's variables and the variables its loops set.
 std::vector<std::string> THostSession::ProjectVariableNames() const {
   std::vector<std::string> names;
-  if (FProject)
-    for (const auto& v : FProject->Variables())
-      names.push_back(v.Name);
+  auto add = [&](const std::string& name) {
+    for (const auto& n : names)
+      if (qv::SameText(n, name)) return;
+    if (!name.empty()) names.push_back(name);
+  };
+  if (!FProject) return names;
+  for (const auto& v : FProject->Variables())
+    add(v.Name);
+  std::function<void(const std::vector<TProjectAction>&)> loops = [&](const auto& actions) {
+    for (const auto& a : actions) {
+      for (const auto& p : a.Properties)
+        if (a.HasNestedActions && qv::SameText(p.Name, "VariableName")) add(p.Value);
+      loops(a.Actions);
+    }
+  };
+  loops(FProject->Actions());
   return names;
 }
 

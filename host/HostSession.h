@@ -84,7 +84,8 @@ class THostSession {
                                             const std::string& property = {});
   // The first options object that has option pages, in its pages; OK saves the options store.
   std::unique_ptr<TOptionsEditor> OpenOptionsEditor();
-  // The build process's variables, for the pages that offer them.
+  // The build process's variables, for the pages that offer them: the project's, and those
+  // its loops set.
   std::vector<std::string> ProjectVariableNames() const;
   // Safe from any thread, at any time: stops the build (see TRunner::RequestStop), which then
   // ends with `exitStatus` (130 after an interrupt, 143 after a termination request).

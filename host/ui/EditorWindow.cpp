@@ -111,12 +111,13 @@ class TPageView : public QWidget {
       if (added && grid->count() == 0) it->second.first = 0;
       QWidget* w = Make(*c);
       if (c->Chars > 0) w->setFixedWidth(w->fontMetrics().averageCharWidth() * c->Chars + 16);
-      // A row of one list or memo takes the box's whole width.
+      // A row of one list, memo, note or path takes the whole width of its box.
       bool alone =
           std::count_if(page.Controls().begin(), page.Controls().end(), [&](const auto& o) {
             return o->Group == c->Group && o->Row == c->Row;
           }) == 1;
-      bool wide = c->Kind == TQvControlKind::CheckList || c->Kind == TQvControlKind::Memo;
+      bool wide = c->Kind == TQvControlKind::CheckList || c->Kind == TQvControlKind::Memo ||
+                  c->Kind == TQvControlKind::Label || c->Kind == TQvControlKind::PathEdit;
       if (alone && wide)
         grid->addWidget(w, it->second.first, 0, 1, -1);
       else

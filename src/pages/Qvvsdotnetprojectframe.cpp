@@ -79,11 +79,20 @@ void TVSDotNetProjectFrame::ReadActionData(TCustomQvAction* action) {
   std::string file = (*this)["txtSolution"].Text;
   if (platform::FileExists(file)) LoadSolutionDetails(false, file);
   (*this)["cboConfigs"].Text = action->GetPropValue("SolutionConfiguration");
+  FReadSelection = action->GetPropValue("SelectedProjects");
   TStringList selected;
-  selected.SetText(action->GetPropValue("SelectedProjects"));
+  selected.SetText(FReadSelection);
   TQvControl& list = (*this)["lstProjects"];
-  for (size_t i = 0; i < FProjectIds.size(); ++i)
-    list.ItemChecked[i] = selected.IndexOf(FProjectIds[i]) >= 0;
+  IntfPtr<IVSDotNetProjects> projects = FSolution ? FSolution->GetProjects() : nullptr;
+  // An entry names its project by identifier, by name or by path as the solution writes it.
+  for (size_t i = 0; i < FProjectIds.size(); ++i) {
+    IntfPtr<IVSDotNetProject> p = projects->GetItem(static_cast<int>(i));
+    for (const std::string& entry : selected)
+      if (SameText(entry, FProjectIds[i]) || SameText(entry, p->GetName()) ||
+          SameText(entry, p->GetFileName()))
+        list.ItemChecked[i] = true;
+  }
+  FReadTicks = list.ItemChecked;
   FReading = false;
   VersionChanged();
   ProjectKindChanged();
@@ -97,11 +106,14 @@ void TVSDotNetProjectFrame::WriteActionData(TCustomQvAction* action) {
   SetPropOrdinal(*action, "BuildAction", std::max(0, (*this)["cboAction"].ItemIndex));
   TStringList selected;
   int kind = (*this)[kKinds[0]].Checked ? 0 : (*this)[kKinds[2]].Checked ? 2 : 1;
-  if (kind == 1) {
-    const TQvControl& list = (*this)["lstProjects"];
+  const TQvControl& list = (*this)["lstProjects"];
+  if (kind == 1 && PropOrdinal(*action, "BuildType") == 1 && list.ItemChecked == FReadTicks) {
+    action->SetPropValue("SelectedProjects", FReadSelection);
+    return;
+  }
+  if (kind == 1)
     for (size_t i = 0; i < FProjectIds.size(); ++i)
       if (i < list.ItemChecked.size() && list.ItemChecked[i]) selected.Add(FProjectIds[i]);
-  }
   action->SetPropValue("SelectedProjects", selected.Text());
   SetPropOrdinal(*action, "BuildType", kind);
 }

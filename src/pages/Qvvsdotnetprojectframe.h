@@ -28,6 +28,10 @@ class TVSDotNetProjectFrame : public TQvPage {
   IntfPtr<IVSDotNetSolution> FSolution;
   std::vector<std::string> FProjectIds;  // parallel to lstProjects' items
   bool FReading = false;
+  // SelectedProjects and the ticks as read, so that an untouched list is written back as it
+  // was (entries may name projects by name or path, or hold variables).
+  std::string FReadSelection;
+  std::vector<bool> FReadTicks;
 };
 
 }  // namespace qv

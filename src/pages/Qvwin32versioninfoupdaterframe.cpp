@@ -55,14 +55,20 @@ void TWin32VersionInfoUpdaterFrame::ReadActionData(TCustomQvAction* action) {
     (*this)[name].Checked = PropBool(*action, prop);
 }
 
-// Every name is written with its answer, so the script's own values stay where one is off.
+// The stored list keeps its lines and order: a ticked name reads True, a name it already
+// holds reads False when unticked, and names it lacks stay out unless ticked.
 void TWin32VersionInfoUpdaterFrame::WriteActionData(TCustomQvAction* action) {
   action->SetPropValue("ResourceFile", (*this)["edtResourceFile"].Text);
   action->SetPropValue("PropertySetName", (*this)["edtPropertySet"].Text);
   const TQvControl& list = (*this)["lstProperties"];
   TStringList chosen;
-  for (size_t i = 0; i < list.Items.size(); ++i)
-    chosen.Add(list.Items[i] + "=" + (list.ItemChecked[i] ? "True" : "False"));
+  chosen.SetText(action->GetPropValue("PropertiesToUpdate"));
+  for (size_t i = 0; i < list.Items.size(); ++i) {
+    bool stored = chosen.IndexOfName(list.Items[i]) >= 0;
+    bool wasOn = SameText(chosen.Values(list.Items[i]), "True");
+    if (list.ItemChecked[i] != wasOn && (stored || list.ItemChecked[i]))
+      chosen.SetValue(list.Items[i], list.ItemChecked[i] ? "True" : "False");
+  }
   action->SetPropValue("PropertiesToUpdate", chosen.Text());
   for (const auto& [name, caption, prop] : kSwitches)
     SetPropBool(*action, prop, (*this)[name].Checked);

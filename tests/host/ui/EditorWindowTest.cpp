@@ -122,6 +122,19 @@ TEST_F(EditorWindow, APropertysEditorOpensItsPage) {
   EXPECT_THROW(session->OpenEditor(project, "Build", "Nothing"), qv::Exception);
 }
 
+// Pages must not rewrite what the user left alone: OK on every action of the demo build
+// process leaves the file byte for byte as it was.
+TEST_F(EditorWindow, OkWithoutChangesLeavesEveryActionAsItWas) {
+  std::string demo = qvtest::TempDir::Read(QV_EXAMPLES_DIR "/demo/Greeting.qvproj");
+  std::string file = dir.Write("demo.qvproj", demo);
+  for (const char* action : {"1", "2", "3", "4", "5"}) {
+    auto editor = session->OpenEditor(file, action);
+    auto dialog = qvhost::ui::MakeEditorDialog(*editor, session->ProjectVariableNames());
+    Ok(*dialog);
+    EXPECT_EQ(qvtest::TempDir::Read(file), demo) << "action " << action;
+  }
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
