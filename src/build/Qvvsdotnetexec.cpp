@@ -9,6 +9,7 @@
 #include "QvPlatform.h"
 #include "QvSysUtils.h"
 #include "QvUtils.h"
+#include "Qvdevenvoutput.h"
 #include "Qvvsdotnetaction.h"
 
 namespace qv {
@@ -396,88 +397,28 @@ void TQvCustomVSDotNetAction::OnStdErrData(IQvProcess*, std::string_view chunk) 
 
 void TQvCustomVSDotNetAction::OnStdOutData(IQvProcess*, std::string_view chunk) {
   if (!FProjectsFailed && FVStudioVersion <= TVSDotNetVersion::vs2003)
-    FProjectsFailed = ExecRegExpr(": \\d+ succeeded, \\d*[1-9]\\d* failed, \\d+ skipped", chunk);
+    FProjectsFailed = ReportsFailedProjects(chunk);
   ForEachLine(chunk, [this](std::string_view line) { ClassifyOutputLine(line); });
 }
 
-namespace {
-
-// The separators that frame a whole word: white space, "|", "=", ";", "," and ".".
-inline bool IsWordFrame(char c) {
-  switch (c) {
-    case ' ':
-    case '\t':
-    case '\n':
-    case '\v':
-    case '\f':
-    case '\r':
-    case '|':
-    case '=':
-    case ';':
-    case ',':
-    case '.':
-      return true;
-    default:
-      return false;
-  }
-}
-
-// True when `word` stands in the lower-cased `line` with a separator directly before and
-// after it (so never at the very start or end of the line).
-bool HasFramedWord(std::string_view line, std::string_view word) {
-  for (size_t at = line.find(word, 1); at != std::string_view::npos; at = line.find(word, at + 1))
-    if (at + word.size() < line.size() && IsWordFrame(line[at - 1]) &&
-        IsWordFrame(line[at + word.size()]))
-      return true;
-  return false;
-}
-
-TStatusTag ClassifyByWords(std::string_view line) {
-  thread_local std::string lower;
-  lower.assign(line);
-  for (char& c : lower)
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c + 32);
-  if (HasFramedWord(lower, "error")) return TStatusTag::Error;
-  if (HasFramedWord(lower, "failed") && !HasFramedWord(lower, "0 failed")) return TStatusTag::Error;
-  if (HasFramedWord(lower, "warning")) return TStatusTag::Warning;
-  if (HasFramedWord(lower, "succeeded") && !HasFramedWord(lower, "0 succeeded"))
-    return TStatusTag::Success;
-  return TStatusTag::Plain;
-}
-
-// The number before `marker` in `text`: leading blanks and tabs allowed, 0 otherwise.
-int64_t CountBefore(std::string_view text, std::string_view marker) {
-  size_t at = text.find(marker);
-  return ReadCount(text.substr(0, at == std::string_view::npos ? 0 : at));
-}
-
-}  // namespace
-
 void TQvCustomVSDotNetAction::ReadDevEnvSummary(std::string_view line) {
-  constexpr std::string_view kComplete = " complete -- ";
-  size_t at = line.find(kComplete);
-  if (at == std::string_view::npos) return;
-  std::string_view counts = line.substr(at + kComplete.size());
-  SendMetricInt("Compiler", "Errors", CountBefore(counts, " errors"));
-  size_t comma = counts.find(',');
-  std::string_view rest =
-      counts.substr(std::min(counts.size(), comma == std::string_view::npos ? 1 : comma + 2));
-  SendMetricInt("Compiler", "Warnings", CountBefore(rest, " warnings"));
+  if (auto counts = ReadDevEnvCounts(line)) {
+    SendMetricInt("Compiler", "Errors", counts->first);
+    SendMetricInt("Compiler", "Warnings", counts->second);
+  }
 }
 
 bool TQvCustomVSDotNetAction::ReadMSBuildSummary(std::string_view line) {
-  bool matched = false;
-  if (line.find(" Error(s)") != std::string_view::npos) {
-    SendMetricInt("Compiler", "Errors", CountBefore(line, " Error(s)"));
+  TMSBuildCounts counts = ReadMSBuildCounts(line);
+  if (counts.Errors) {
+    SendMetricInt("Compiler", "Errors", *counts.Errors);
     SendMessage(std::string(line), TStatusTag::Error);
-    matched = true;
   }
-  if (line.find(" Warning(s)") != std::string_view::npos) {
-    SendMetricInt("Compiler", "Warnings", CountBefore(line, " Warning(s)"));
+  if (counts.Warnings) {
+    SendMetricInt("Compiler", "Warnings", *counts.Warnings);
     SendMessage(std::string(line), TStatusTag::Warning);
-    matched = true;
   }
-  return matched;
+  return counts.Errors || counts.Warnings;
 }
 
 void TQvCustomVSDotNetAction::ClassifyOutputLine(std::string_view line) {

@@ -203,33 +203,6 @@ TEST_F(MSBuildCommandLine, LoggerSwitchWhenTheAssemblyIsInstalled) {
 
 // ---- output reading ----
 
-TEST_F(CompilerOutput, DevEnvLinesAreClassifiedByWholeWords) {
-  Set("VStudioVersion", "vs2003");
-  struct Case {
-    const char* line;
-    int tag;
-  } cases[] = {
-      {"Build complete -- 0 errors, 0 warnings", 0},
-      {"------ Build started: Project: A, Configuration: Release .NET ------", 0},
-      {"error at the very start", 0},
-      {"a.cs(3,7): error CS0103: The name 'x' does not exist", 3},
-      {"Build: 1 succeeded, 10 failed, 0 skipped", 3},
-      {"Build: 2 succeeded, 0 failed, 0 skipped", 1},
-      {"========== Build: 3 succeeded, 0 failed, 0 skipped ==========", 1},
-      {"c.cpp(1) : warning C4996: 'strcpy' was declared deprecated", 2},
-      {"Rebuild All: 0 succeeded, 0 failed, 0 skipped", 0},
-      {"x|ERROR|y", 3},
-      {"the errors were many", 0},
-  };
-  for (const auto& c : cases) {
-    ctx->Log.clear();
-    action->OnStdOutData(nullptr, c.line);
-    ASSERT_EQ(ctx->Messages(),
-              std::vector<std::string>{"[" + std::to_string(c.tag) + "] " + c.line})
-        << c.line;
-  }
-}
-
 TEST_F(CompilerOutput, DevEnvSummaryMetricsAndFailedProjects) {
   Set("VStudioVersion", "vs2003");
   action->OnStdOutData(
