@@ -11,6 +11,7 @@
 #include "QvDotNetFramework.h"
 #include "QvMSBuildOutput.h"
 #include "Qvassemblyinfo.h"
+#include "Qvmsbuildproperties.h"
 #include "Qvvc7versioninfo.h"
 #include "Vsnetsln.h"
 
@@ -95,10 +96,6 @@ class TQvCustomVSDotNetAction : public TQvMultiExecAction,
                                     TVSDotNetBuildAction action) const;
   std::string GetCommonMSBuildParams(const std::string& configuration, bool forceAnyCPU,
                                      TVSDotNetBuildAction action);
-  // Appends ";" (unless empty) and the item to a constants list.
-  static void AppendConstant(std::string& list, const std::string& item);
-  // Throws EFailAction unless the list holds only digits and semicolons.
-  static void ValidateWarningList(const std::string& list, const std::string& caption);
   // Set while reading output when a 2002/2003 summary reports failed projects.
   bool ProjectsFailed() const { return FProjectsFailed; }
   // The full path of devenv.com or MSBuild.exe, or empty when no framework is known.
@@ -313,7 +310,8 @@ class TQvCustomVSDotNetAction : public TQvMultiExecAction,
   void ClassifyOutputLine(std::string_view line);
   void ReadDevEnvSummary(std::string_view line);
   bool ReadMSBuildSummary(std::string_view line);
-  void AddMSBuildProperty(TStringList& props, const std::string& name, const std::string& value);
+  // The settings that decide MSBuild's properties.
+  TMSBuildSettings MSBuildSettings() const;
   std::string ExpandOrFail(const char* caption, const std::string& text, const char* failure);
 
   TAutoResetEvent FTerminateEvent;

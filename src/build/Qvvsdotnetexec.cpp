@@ -10,6 +10,7 @@
 #include "QvSysUtils.h"
 #include "QvUtils.h"
 #include "Qvdevenvoutput.h"
+#include "Qvmsbuildproperties.h"
 #include "Qvvsdotnetaction.h"
 
 namespace qv {
@@ -272,29 +273,37 @@ std::string TQvCustomVSDotNetAction::GetCommonDevEnvParams(const std::string& co
   return s + " " + Quoted(configuration);
 }
 
-void TQvCustomVSDotNetAction::AppendConstant(std::string& list, const std::string& item) {
-  if (!list.empty()) list += ";";
-  list += item;
-}
-
-void TQvCustomVSDotNetAction::ValidateWarningList(const std::string& list,
-                                                  const std::string& caption) {
-  if (!ExecRegExpr("^[\\d;]*$", list))
-    throw EFailAction(caption + " list " + Quoted(list) +
-                      " is not valid. Only warning numbers, separated by semicolons, can be "
-                      "specified.");
-}
-
-void TQvCustomVSDotNetAction::AddMSBuildProperty(TStringList& props, const std::string& name,
-                                                 const std::string& value) {
-  props.Add(name + "=" + QuoteMSBuildArg(value));
-}
-
 std::string TQvCustomVSDotNetAction::ExpandOrFail(const char* caption, const std::string& text,
                                                   const char* failure) {
   std::string result;
   if (!TryExpandExpression(caption, text, result, false)) throw EFailAction(failure);
   return result;
+}
+
+TMSBuildSettings TQvCustomVSDotNetAction::MSBuildSettings() const {
+  TMSBuildSettings s;
+  s.OverrideCompiler = FOverrideCompiler;
+  s.CompilerConstants = FCompilerConstants;
+  s.DebugConstant = FDebugConstant;
+  s.TraceConstant = FTraceConstant;
+  s.Optimize = FOptimize;
+  s.AllowUnsafe = FAllowUnsafe;
+  s.OverrideWarnings = FOverrideWarnings;
+  s.WarningLevel = FWarningLevel;
+  s.AllWarningsAsErrors = FAllWarningsAsErrors;
+  s.SelectedWarningsAsErrors = FSelectedWarningsAsErrors;
+  s.WarningsAsErrors = FWarningsAsErrors;
+  s.DisableSelectedWarnings = FDisableSelectedWarnings;
+  s.DisableWarnings = FDisableWarnings;
+  s.Is2008 = FVStudioVersion >= TVSDotNetVersion::vs2008;
+  s.OverrideTargetFramework = FOverrideTargetFramework;
+  s.TargetFramework = static_cast<int>(FTargetFramework);
+  s.OverrideReferencePaths = FOverrideReferencePaths;
+  s.ReferencePaths = FReferencePaths.Text();
+  s.UseEnv = FUseEnv;
+  s.OutputDirectory = FOutputDirectory;
+  s.ExtraProperties = FExtraMSBuildProperties.Text();
+  return s;
 }
 
 std::string TQvCustomVSDotNetAction::GetCommonMSBuildParams(const std::string& configuration,
@@ -307,79 +316,27 @@ std::string TQvCustomVSDotNetAction::GetCommonMSBuildParams(const std::string& c
   std::string logger = IncludeTrailingPathDelimiter(GetQvAppPath()) + "Quorvex.MSBuild.Tasks.dll";
   if (FStructuredOutput && platform::FileExists(logger))
     s += " /logger:" + DoubleQuoteString(logger, false) + " /noconlog";
-
-  TStringList props;
-  if (size_t bar = configuration.find('|'); bar == std::string::npos) {
-    if (!configuration.empty()) AddMSBuildProperty(props, "Configuration", configuration);
-  } else {
-    AddMSBuildProperty(props, "Configuration", configuration.substr(0, bar));
-    AddMSBuildProperty(props, "Platform", forceAnyCPU ? "AnyCPU" : configuration.substr(bar + 1));
-  }
-  if (FOverrideCompiler) {
-    std::string constants = ExpandOrFail("Define Constants", FCompilerConstants,
-                                         "Failed to expand compiler constants.");
-    if (FDebugConstant) AppendConstant(constants, "DEBUG");
-    if (FTraceConstant) AppendConstant(constants, "TRACE");
-    AddMSBuildProperty(props, "DefineConstants", constants);
-    props.Add("Optimize=" + BoolToStr(FOptimize));
-    props.Add("AllowUnsafeBlocks=" + BoolToStr(FAllowUnsafe));
-  }
-  if (FOverrideWarnings) {
-    props.Add("WarningLevel=" + std::to_string(FWarningLevel));
-    if (FAllWarningsAsErrors) {
-      props.Add("TreatWarningsAsErrors=True");
-    } else {
-      props.Add("TreatWarningsAsErrors=False");
-      if (FSelectedWarningsAsErrors) {
-        std::string list = ExpandOrFail("Warnings As Errors", FWarningsAsErrors,
-                                        "Unable to expand list of warnings to treat as errors.");
-        ValidateWarningList(list, "Warnings As Errors");
-        if (!list.empty()) AddMSBuildProperty(props, "WarningsAsErrors", list);
-      }
-    }
-    if (FDisableSelectedWarnings) {
-      std::string list = ExpandOrFail("Disabled Warnings", FDisableWarnings,
-                                      "Unable to expand list of disabled warnings");
-      ValidateWarningList(list, "Disabled Warnings");
-      if (!list.empty()) AddMSBuildProperty(props, "NoWarn", list);
-    }
-  }
-  if (FVStudioVersion >= TVSDotNetVersion::vs2008 && FOverrideTargetFramework) {
-    static const char* frameworks[] = {"v2.0", "v3.0", "v3.5"};
-    props.Add(std::string("TargetFramework=") +
-              Quoted(frameworks[static_cast<int>(FTargetFramework)]));
-  }
-  if (FOverrideReferencePaths) {
-    std::string paths = ExpandOrFail("Reference Paths", FReferencePaths.Text(),
-                                     "Failed to expand Reference Paths list");
-    AddMSBuildProperty(props, "ReferencePath", StringReplaceAll(Trim(paths), "\r\n", ";"));
-  }
-  if (FUseEnv) props.Add("useenv=1");
-  std::string outDir =
-      ExpandOrFail("Output Directory", FOutputDirectory, "Failed to expand output directory");
-  if (!outDir.empty()) AddMSBuildProperty(props, "OutDir", IncludeTrailingPathDelimiter(outDir));
-
-  std::string extra;
-  try {
-    extra = ExpandExpression(FExtraMSBuildProperties.Text(), true);
-  } catch (const std::exception& e) {
-    throw EFailAction(std::string("Failed to Extra MSBuild Properties: ") + e.what());
-  }
-  TStringList extraLines;
-  extraLines.SetText(extra);
-  for (const std::string& line : extraLines) {
-    if (Trim(line).empty()) continue;  // a blank line names no property
-    size_t eq = line.find('=');
-    AddMSBuildProperty(props, line.substr(0, eq),
-                       eq == std::string::npos ? std::string() : line.substr(eq + 1));
-  }
-
-  if (!props.Empty()) {
+  std::vector<std::string> props = MSBuildProperties(
+      MSBuildSettings(), configuration, forceAnyCPU,
+      [this](const char* caption, const std::string& text, const char* failure) {
+        return ExpandOrFail(caption, text, failure);
+      },
+      [this](const std::string& text) {
+        try {
+          return ExpandExpression(text, true);
+        } catch (const std::exception& e) {
+          throw EFailAction(std::string("Failed to Extra MSBuild Properties: ") + e.what());
+        }
+      });
+  if (!props.empty()) {
     StartMessageGroup("MSBuild Properties", 2, TStatusTag::Plain);
-    for (const std::string& p : props)
+    std::string joined;
+    for (const std::string& p : props) {
       SendMessage(p);
+      joined += (joined.empty() ? "" : ";") + p;
+    }
     EndMessageGroup();
-    s += " /p:" + StringReplaceAll(Trim(props.Text()), "\r\n", ";");
+    s += " /p:" + joined;
   }
   static const char* verbosity[] = {" /v:quiet", " /v:minimal", " /v:normal", " /v:detailed",
                                     " /v:diagnostic"};
