@@ -8,10 +8,6 @@ namespace qvhost {
 
 namespace {
 
-std::string Quoted(std::string_view s) {
-  return "\"" + std::string(s) + "\"";
-}
-
 std::string Join(const std::vector<std::string>& items) {
   std::string r;
   for (const auto& s : items)
@@ -53,8 +49,8 @@ void DesignTimeSections(std::string& out, const THostServices& s) {
 std::string DescribeRegistrations(const THostServices& s, bool designTime) {
   std::string out;
   Section(out, "Actions", Lines(s.Actions(), [](const TActionRegistration& a) {
-            return std::string(a.Class->ClassName) + "  " + Quoted(a.Caption) + "  category " +
-                   Quoted(a.Category) + "  icon " + a.Icon;
+            return std::string(a.Class->ClassName) + "  " + qv::DoubleQuoteString(a.Caption) +
+                   "  category " + qv::DoubleQuoteString(a.Category) + "  icon " + a.Icon;
           }));
   Section(out, "Script methods", Lines(s.Methods(), [](const TMethodRegistration& m) {
             return std::string(m.Class->ClassName) + "." + m.Name + "  " + m.Signature;
@@ -70,8 +66,9 @@ std::string DescribeRegistrations(const THostServices& s, bool designTime) {
                    Join(std::vector<std::string>(e->Values.begin(), e->Values.end()));
           }));
   Section(out, "Options", Lines(s.Options(), [](const TOptionsRegistration& o) {
-            return std::string(o.Class->ClassName) + "  " + Quoted(o.Options->GetName()) +
-                   "  category " + Quoted(o.Options->GetCategory()) + "  key " +
+            return std::string(o.Class->ClassName) + "  " +
+                   qv::DoubleQuoteString(o.Options->GetName()) + "  category " +
+                   qv::DoubleQuoteString(o.Options->GetCategory()) + "  key " +
                    o.Options->GetOptionKey() + "  icon " + o.Icon;
           }));
   if (designTime) DesignTimeSections(out, s);
@@ -154,13 +151,13 @@ std::string DescribeAction(const TActionRegistration& type, const qv::TCustomQvA
     }
     return out + "]}\n";
   }
-  out = Quoted(type.Caption) + " (" + std::string(type.Class->ClassName) + "), " +
+  out = qv::DoubleQuoteString(type.Caption) + " (" + std::string(type.Class->ClassName) + "), " +
         std::to_string(facts.size()) + " properties:\n";
   for (const auto& f : facts) {
-    std::string def =
-        f.Default.find_first_of("\r\n") == std::string::npos
-            ? Quoted(f.Default)
-            : Quoted(qv::StringReplaceAll(qv::StringReplaceAll(f.Default, "\r", ""), "\n", "\\n"));
+    std::string def = f.Default.find_first_of("\r\n") == std::string::npos
+                          ? qv::DoubleQuoteString(f.Default)
+                          : qv::DoubleQuoteString(qv::StringReplaceAll(
+                                qv::StringReplaceAll(f.Default, "\r", ""), "\n", "\\n"));
     out += "  " + f.Name + ": " + f.Type + " = " + def + (f.Stored ? "" : " (not stored)") + "\n";
     if (!f.Values.empty()) out += "      one of " + Join(f.Values) + "\n";
     if (!f.Alias.empty()) out += "      shown as " + f.Alias + "\n";

@@ -61,17 +61,6 @@ void MakeFolders(const std::string& folder) {
   if (mkdir(folder.c_str(), 0700) != 0 && errno != EEXIST) Fail(folder, "create folder", errno);
 }
 
-bool WriteAll(int fd, const std::string& data) {
-  size_t done = 0;
-  while (done < data.size()) {
-    ssize_t n = write(fd, data.data() + done, data.size() - done);
-    if (n < 0 && errno == EINTR) continue;
-    if (n < 0) return false;
-    done += static_cast<size_t>(n);
-  }
-  return true;
-}
-
 // Publishes a fully written temporary file under `path` unless one appeared meanwhile: link()
 // never replaces, so two hosts starting at once agree on the first file.
 bool CreateExclusive(const std::string& path, const std::string& content) {
@@ -80,7 +69,7 @@ bool CreateExclusive(const std::string& path, const std::string& content) {
   buf.push_back('\0');
   int fd = mkstemp(buf.data());  // mode 0600
   if (fd < 0) Fail(path, "create", errno);
-  bool ok = WriteAll(fd, content) && fsync(fd) == 0;
+  bool ok = qv::platform::WriteAll(fd, content) && fsync(fd) == 0;
   int err = errno;
   close(fd);
   if (ok && link(buf.data(), path.c_str()) != 0) {

@@ -6,12 +6,13 @@ namespace qvhost {
 
 namespace {
 
-bool IsBlank(char c) {
+// XML's white space, line breaks included.
+bool IsXmlSpace(char c) {
   return c == ' ' || c == '\t' || c == '\r' || c == '\n';
 }
 
-size_t SkipBlanks(std::string_view text, size_t pos) {
-  while (pos < text.size() && IsBlank(text[pos]))
+size_t SkipXmlSpace(std::string_view text, size_t pos) {
+  while (pos < text.size() && IsXmlSpace(text[pos]))
     ++pos;
   return pos;
 }
@@ -23,7 +24,7 @@ size_t SkipPast(std::string_view text, size_t pos, std::string_view terminator) 
 }
 
 size_t SkipName(std::string_view text, size_t pos) {
-  while (pos < text.size() && !IsBlank(text[pos]) && text[pos] != '=' && text[pos] != '>' &&
+  while (pos < text.size() && !IsXmlSpace(text[pos]) && text[pos] != '=' && text[pos] != '>' &&
          text[pos] != '/')
     ++pos;
   return pos;
@@ -31,17 +32,12 @@ size_t SkipName(std::string_view text, size_t pos) {
 
 }  // namespace
 
-int LineAt(std::string_view text, size_t offset) {
-  offset = std::min(offset, text.size());
-  return 1 + static_cast<int>(std::count(text.begin(), text.begin() + offset, '\n'));
-}
-
 TStartTag ScanStartTag(std::string_view text, size_t nameOffset) {
   TStartTag tag;
   tag.Begin = nameOffset > 0 ? nameOffset - 1 : 0;
   size_t pos = SkipName(text, nameOffset);
   while (pos < text.size()) {
-    pos = SkipBlanks(text, pos);
+    pos = SkipXmlSpace(text, pos);
     if (pos >= text.size()) break;
     if (text[pos] == '>') {
       tag.End = pos + 1;
@@ -52,8 +48,8 @@ TStartTag ScanStartTag(std::string_view text, size_t nameOffset) {
       tag.End = SkipPast(text, pos, ">");
       return tag;
     }
-    pos = SkipBlanks(text, SkipName(text, pos));
-    if (pos < text.size() && text[pos] == '=') pos = SkipBlanks(text, pos + 1);
+    pos = SkipXmlSpace(text, SkipName(text, pos));
+    if (pos < text.size() && text[pos] == '=') pos = SkipXmlSpace(text, pos + 1);
     if (pos < text.size() && (text[pos] == '"' || text[pos] == '\''))
       pos = SkipPast(text, pos + 1, std::string_view(&text[pos], 1));
   }
@@ -65,11 +61,11 @@ bool FindAttributeValue(std::string_view text, const TStartTag& tag, std::string
                         size_t& begin, size_t& end) {
   size_t pos = SkipName(text, tag.Begin + 1);
   while (pos < tag.End) {
-    pos = SkipBlanks(text, pos);
+    pos = SkipXmlSpace(text, pos);
     size_t nameEnd = SkipName(text, pos);
     if (nameEnd == pos) return false;  // reached ">" or "/>"
-    size_t eq = SkipBlanks(text, nameEnd);
-    size_t quote = SkipBlanks(text, eq + 1);
+    size_t eq = SkipXmlSpace(text, nameEnd);
+    size_t quote = SkipXmlSpace(text, eq + 1);
     if (quote >= tag.End) return false;
     size_t close = text.find(text[quote], quote + 1);
     if (close == std::string_view::npos || close >= tag.End) return false;

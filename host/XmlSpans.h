@@ -6,10 +6,11 @@
 #include <string>
 #include <string_view>
 
+#include "QvText.h"
+
 namespace qvhost {
 
-// The 1-based line of a byte offset.
-int LineAt(std::string_view text, size_t offset);
+using qv::LineAt;
 
 // An element's start tag: from its "<" to just after its ">" ("/>" when self-closing).
 struct TStartTag {

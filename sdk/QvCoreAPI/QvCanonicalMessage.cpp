@@ -1,22 +1,11 @@
 #include "QvCanonicalMessage.h"
 
 #include "QvCounts.h"
+#include "QvText.h"
 
 namespace qv {
 
 namespace {
-
-bool Blank(char c) {
-  return c == ' ' || c == '\t';
-}
-
-std::string_view Trim(std::string_view s) {
-  while (!s.empty() && Blank(s.front()))
-    s.remove_prefix(1);
-  while (!s.empty() && (Blank(s.back()) || s.back() == '\r'))
-    s.remove_suffix(1);
-  return s;
-}
 
 bool IsDigit(char c) {
   return c >= '0' && c <= '9';
@@ -30,23 +19,23 @@ bool StartsWithWord(std::string_view s, std::string_view word) {
   if (s.size() < word.size()) return false;
   for (size_t i = 0; i < word.size(); ++i)
     if ((s[i] | 0x20) != word[i]) return false;
-  return s.size() == word.size() || Blank(s[word.size()]);
+  return s.size() == word.size() || IsBlank(s[word.size()]);
 }
 
 // Reads "[subcategory ]error|warning[ CODE]" (case ignored): the part between the origin's
 // colon and the colon before the text.
 bool ReadCategory(std::string_view head, TCanonicalMessage& m) {
   for (size_t p = 0; p < head.size(); ++p) {
-    if (p > 0 && !Blank(head[p - 1])) continue;
+    if (p > 0 && !IsBlank(head[p - 1])) continue;
     std::string_view at = head.substr(p);
     size_t length = StartsWithWord(at, "error") ? 5 : StartsWithWord(at, "warning") ? 7 : 0;
     if (length == 0) continue;
     // Codes are letters and digits (CS0103, MSB4018, LNK2019): "error code : 1" is prose.
-    std::string_view code = Trim(at.substr(length));
+    std::string_view code = TrimView(at.substr(length));
     if (code.find_first_of(" \t") != std::string_view::npos) continue;
     if (!code.empty() && code.find_first_of("0123456789") == std::string_view::npos) continue;
     m.Error = length == 5;
-    m.Subcategory = Trim(head.substr(0, p));
+    m.Subcategory = TrimView(head.substr(0, p));
     m.Code = code;
     return true;
   }
@@ -67,7 +56,7 @@ void ReadOrigin(std::string_view origin, TCanonicalMessage& m) {
   if (comma != std::string_view::npos && position[comma] == ',')
     m.Column =
         ReadCount(position.substr(comma + 1, position.find_first_of(",-", comma + 1) - comma - 1));
-  m.Origin = Trim(origin.substr(0, open));
+  m.Origin = TrimView(origin.substr(0, open));
 }
 
 // MSBuild names the project behind a line as " [FILE.csproj]"; other bracketed text stays.
@@ -90,7 +79,7 @@ size_t OriginColon(std::string_view s) {
 }  // namespace
 
 std::optional<TCanonicalMessage> ParseCanonicalMessage(std::string_view line) {
-  std::string_view s = Trim(line);
+  std::string_view s = TrimView(line);
   size_t node = 0;
   while (node < s.size() && IsDigit(s[node]))
     ++node;
@@ -103,7 +92,7 @@ std::optional<TCanonicalMessage> ParseCanonicalMessage(std::string_view line) {
     std::string_view after = s.substr(colon + 1);
     size_t textColon = after.find(':');
     if (textColon != std::string_view::npos && ReadCategory(after.substr(0, textColon), m)) {
-      ReadOrigin(Trim(s.substr(0, colon)), m);
+      ReadOrigin(TrimView(s.substr(0, colon)), m);
       rest = after.substr(textColon + 1);
     } else {
       size_t own = s.find(':');
@@ -113,12 +102,12 @@ std::optional<TCanonicalMessage> ParseCanonicalMessage(std::string_view line) {
   } else {
     return std::nullopt;
   }
-  rest = Trim(rest);
+  rest = TrimView(rest);
   if (size_t open = rest.rfind(" ["); open != std::string_view::npos && rest.back() == ']') {
     std::string_view project = rest.substr(open + 2, rest.size() - open - 3);
     if (EndsWithProjectExtension(project)) {
       m.Project = project;
-      rest = Trim(rest.substr(0, open));
+      rest = TrimView(rest.substr(0, open));
     }
   }
   m.Text = rest;

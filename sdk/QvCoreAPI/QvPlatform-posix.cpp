@@ -68,6 +68,18 @@ bool IsAbsolutePath(std::string_view path) {
   return !path.empty() && path[0] == '/';
 }
 
+bool WriteAll(int fd, std::string_view data) {
+  while (!data.empty()) {
+    ssize_t n = write(fd, data.data(), data.size());
+    if (n < 0) {
+      if (errno == EINTR) continue;
+      return false;
+    }
+    data.remove_prefix(static_cast<size_t>(n));
+  }
+  return true;
+}
+
 bool ReadWholeFile(const std::string& path, std::string& out, std::string& error) {
   int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC);
   if (fd < 0) {
@@ -104,17 +116,6 @@ namespace {
   throw Exception("Unable to write file \"" + path + "\" : " + std::strerror(err));
 }
 
-bool WriteAll(int fd, std::string_view data) {
-  while (!data.empty()) {
-    ssize_t n = write(fd, data.data(), data.size());
-    if (n < 0) {
-      if (errno == EINTR) continue;
-      return false;
-    }
-    data.remove_prefix(static_cast<size_t>(n));
-  }
-  return true;
-}
 // Temporary files that a killed save of the same file left behind (".NAME.qvtmp.XXXXXX").
 void RemoveStaleTemporaries(const std::string& dir, const std::string& name) {
   std::string prefix = "." + name + ".qvtmp.";

@@ -32,6 +32,10 @@ bool DirectoryExists(const std::string& path);
 // True when `path` is absolute for this platform.
 bool IsAbsolutePath(std::string_view path);
 
+// Writes all of `data` to the file descriptor `fd`, retrying interrupted and partial writes;
+// false (errno set) when the system refuses.
+bool WriteAll(int fd, std::string_view data);
+
 // Reads a whole file. Returns false and sets `error` (the system's reason) on failure.
 bool ReadWholeFile(const std::string& path, std::string& out, std::string& error);
 // Replaces `path` with `data` atomically: a temporary file beside it, then a rename.

@@ -6,6 +6,7 @@
 
 #include "QvActions.h"
 #include "QvCounts.h"
+#include "QvText.h"
 #include "QvUtils.h"
 
 namespace qv {
@@ -66,39 +67,6 @@ void AppendUnescaped(std::string& out, std::string_view field) {
   }
 }
 
-bool IsBlank(char c) {
-  return c == ' ' || c == '\t';
-}
-
-std::string_view TrimLeft(std::string_view s) {
-  size_t i = 0;
-  while (i < s.size() && IsBlank(s[i]))
-    ++i;
-  return s.substr(i);
-}
-
-std::string_view TrimRight(std::string_view s) {
-  size_t n = s.size();
-  while (n > 0 && (IsBlank(s[n - 1]) || s[n - 1] == '\r'))
-    --n;
-  return s.substr(0, n);
-}
-
-char Lower(char c) {
-  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
-bool StartsWithNoCase(std::string_view s, std::string_view prefix) {
-  if (s.size() < prefix.size()) return false;
-  for (size_t i = 0; i < prefix.size(); ++i)
-    if (Lower(s[i]) != Lower(prefix[i])) return false;
-  return true;
-}
-
-bool EndsWithNoCase(std::string_view s, std::string_view suffix) {
-  return s.size() >= suffix.size() && StartsWithNoCase(s.substr(s.size() - suffix.size()), suffix);
-}
-
 std::string_view FileNameOf(std::string_view path) {
   size_t slash = path.find_last_of("/\\");
   return slash == std::string_view::npos ? path : path.substr(slash + 1);
@@ -139,7 +107,7 @@ TCategory MatchCategory(std::string_view rest) {
     // Behind the word: nothing, or a blank and one code token, blanks around it allowed.
     std::string_view tail = at.substr(length);
     if (!tail.empty() && !IsBlank(tail[0])) continue;
-    std::string_view code = TrimRight(TrimLeft(tail));
+    std::string_view code = TrimRightView(TrimLeftView(tail));
     if (code.find_first_of(" \t") == std::string_view::npos) return category;
   }
   return TCategory::None;
@@ -150,7 +118,7 @@ TCategory MatchCategory(std::string_view rest) {
 // name, or a file with an optional position) and possibly led by a drive letter or, with
 // several nodes, by "N>".
 TCategory ClassifyCanonical(std::string_view line) {
-  std::string_view s = TrimLeft(line);
+  std::string_view s = TrimLeftView(line);
   size_t originStart = 0;
   while (originStart < s.size() && s[originStart] >= '0' && s[originStart] <= '9')
     ++originStart;
@@ -176,7 +144,7 @@ enum class TSummary { None, Errors, Warnings };
 // Reads MSBuild's closing "  12 Error(s)" or "  0 Warning(s)" (blanks or tabs before,
 // blanks behind).
 TSummary ReadSummary(std::string_view line, int64_t& count) {
-  std::string_view s = TrimRight(TrimLeft(line));
+  std::string_view s = TrimRightView(TrimLeftView(line));
   size_t digits = 0;
   while (digits < s.size() && s[digits] >= '0' && s[digits] <= '9')
     ++digits;
@@ -197,7 +165,7 @@ bool IsInternalTargetList(std::string_view targets) {
   while (start <= targets.size()) {
     size_t end = targets.find(';', start);
     if (end == std::string_view::npos) end = targets.size();
-    std::string_view name = TrimRight(TrimLeft(targets.substr(start, end - start)));
+    std::string_view name = TrimRightView(TrimLeftView(targets.substr(start, end - start)));
     if (!name.empty()) {
       if (!StartsWithNoCase(name, "Get") && !EndsWithNoCase(name, "OutputGroup")) return false;
       any = true;
@@ -231,7 +199,7 @@ void TQvMSBuildStructuredOutputHelper::Start(std::string_view solutionFileName, 
 
 void TQvMSBuildStructuredOutputHelper::ProcessLine(std::string_view line) {
   if (!FEnabled) return;
-  line = TrimRight(line);
+  line = TrimRightView(line);
   if (line.substr(0, kTag.size()) == kTag) {
     FLoggerSeen = true;
     ProcessTagged(line.substr(kTag.size()));
@@ -437,7 +405,7 @@ void TQvMSBuildStructuredOutputHelper::Diagnostic(bool error, std::string_view p
 }
 
 void TQvMSBuildStructuredOutputHelper::ProcessConsoleLine(std::string_view line) {
-  if (TrimLeft(line).empty()) return;
+  if (TrimLeftView(line).empty()) return;
   FText.assign(line);
   int64_t count = 0;
   TStatusTag tag = TStatusTag::Plain;

@@ -22,10 +22,6 @@ void EnsureTrailingSpace(std::string& s) {
   if (!s.empty() && s.back() != ' ') s += ' ';
 }
 
-std::string Quoted(const std::string& s) {
-  return "\"" + s + "\"";
-}
-
 }  // namespace
 
 // ---- Execute ------------------------------------------------------------------------------
@@ -67,7 +63,7 @@ IntfPtr<IVSDotNetSolution> TQvCustomVSDotNetAction::LoadSolution() {
   if (!TryExpandExpression("Solution File Name", FSolution, fileName, true))
     throw EFailAction("Failed to expand solution file name.");
   if (!platform::FileExists(fileName))
-    throw EFailAction("Solution File " + Quoted(fileName) + " does not exist");
+    throw EFailAction("Solution File " + DoubleQuoteString(fileName) + " does not exist");
   try {
     return OpenSolution(fileName, false);
   } catch (const std::exception& e) {
@@ -101,7 +97,7 @@ bool TQvCustomVSDotNetAction::BuildSolution(IVSDotNetSolution& solution,
     params += UsingMSBuild() ? GetCommonMSBuildParams(configuration, false, FBuildAction)
                              : GetCommonDevEnvParams(configuration, FBuildAction);
     EnsureTrailingSpace(params);
-    params += Quoted(solution.GetFileName());
+    params += DoubleQuoteString(solution.GetFileName());
     result = RunCompiler(ExtractFilePath(solution.GetFileName()), params, UsingMSBuild());
   }
   EndMessageGroup();
@@ -158,18 +154,19 @@ bool TQvCustomVSDotNetAction::BuildProject(IVSDotNetSolution& solution, IVSDotNe
   if (useMSBuild) {
     std::string projectConfiguration = project.GetProjectConfiguration(configuration);
     if (projectConfiguration.empty())
-      throw EFailAction("Project " + Quoted(project.GetName()) +
+      throw EFailAction("Project " + DoubleQuoteString(project.GetName()) +
                         " is not built in solution configuration " + configuration);
-    SendMessage("Building project configuration " + Quoted(projectConfiguration) +
-                " for solution configuration " + Quoted(configuration));
+    SendMessage("Building project configuration " + DoubleQuoteString(projectConfiguration) +
+                " for solution configuration " + DoubleQuoteString(configuration));
     bool anyCPU = NeedsAnyCPUWithoutSpace(solution, project, projectConfiguration);
     params += GetCommonMSBuildParams(projectConfiguration, anyCPU, action);
     EnsureTrailingSpace(params);
-    params += Quoted(project.GetFileName());
+    params += DoubleQuoteString(project.GetFileName());
   } else {
     // No blank before "/project": the command line has always been written so.
     params += GetCommonDevEnvParams(configuration, action) + "/project " +
-              Quoted(project.GetFileName()) + " " + Quoted(solution.GetFileName());
+              DoubleQuoteString(project.GetFileName()) + " " +
+              DoubleQuoteString(solution.GetFileName());
   }
   bool result = RunCompiler(workingDir, params, useMSBuild);
   EndMessageGroup();
@@ -270,7 +267,7 @@ std::string TQvCustomVSDotNetAction::GetCommonDevEnvParams(const std::string& co
   static const char* switches[] = {"/build", "/rebuild", "/clean", "/deploy"};
   std::string s = switches[static_cast<int>(action)];
   if (FUseEnv) s = "/useenv " + s;
-  return s + " " + Quoted(configuration);
+  return s + " " + DoubleQuoteString(configuration);
 }
 
 std::string TQvCustomVSDotNetAction::ExpandOrFail(const char* caption, const std::string& text,

@@ -1,5 +1,7 @@
 #include "QvassemblyinfoRewriter.h"
 
+#include "QvText.h"
+
 #include <array>
 
 #include "QvSysUtils.h"
@@ -21,16 +23,6 @@ constexpr std::array<TQvAssemblyAttribute, 8> MatchOrder = {
 
 constexpr std::string_view ReflectionPrefix = "System.Reflection.";
 constexpr std::string_view AttributeSuffix = "Attribute";
-
-bool IsBlank(char c) {
-  return c == ' ' || c == '\t';
-}
-
-size_t SkipBlanks(std::string_view s, size_t i) {
-  while (i < s.size() && IsBlank(s[i]))
-    ++i;
-  return i;
-}
 
 uint16_t BitOf(TQvAssemblyAttribute a) {
   return static_cast<uint16_t>(1u << static_cast<unsigned>(a));
