@@ -143,18 +143,11 @@ enum class TSummary { None, Errors, Warnings };
 
 // Reads MSBuild's closing "  12 Error(s)" or "  0 Warning(s)" (blanks or tabs before,
 // blanks behind).
+// The summary a line closes a run with, and its count.
 TSummary ReadSummary(std::string_view line, int64_t& count) {
-  std::string_view s = TrimRightView(TrimLeftView(line));
-  size_t digits = 0;
-  while (digits < s.size() && s[digits] >= '0' && s[digits] <= '9')
-    ++digits;
-  if (digits == 0 || digits + 1 >= s.size() || s[digits] != ' ') return TSummary::None;
-  std::string_view word = s.substr(digits + 1);
-  TSummary summary = word == "Error(s)"     ? TSummary::Errors
-                     : word == "Warning(s)" ? TSummary::Warnings
-                                            : TSummary::None;
-  if (summary != TSummary::None) count = ReadCount(s.substr(0, digits));
-  return summary;
+  TSummaryCounts counts = ReadSummaryCounts(line, true);
+  count = counts.Errors.value_or(counts.Warnings.value_or(0));
+  return counts.Errors ? TSummary::Errors : counts.Warnings ? TSummary::Warnings : TSummary::None;
 }
 
 // Targets that only ask a project something (its output path, its manifest, its items)

@@ -90,15 +90,6 @@ std::optional<std::pair<int64_t, int64_t>> ReadDevEnvCounts(std::string_view lin
   return std::pair{CountBefore(counts, " errors"), CountBefore(rest, " warnings")};
 }
 
-TMSBuildCounts ReadMSBuildCounts(std::string_view line) {
-  TMSBuildCounts counts;
-  if (line.find(" Error(s)") != std::string_view::npos)
-    counts.Errors = CountBefore(line, " Error(s)");
-  if (line.find(" Warning(s)") != std::string_view::npos)
-    counts.Warnings = CountBefore(line, " Warning(s)");
-  return counts;
-}
-
 bool ReportsFailedProjects(std::string_view text) {
   for (size_t colon = text.find(": "); colon != std::string_view::npos;
        colon = text.find(": ", colon + 1)) {

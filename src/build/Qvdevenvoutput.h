@@ -19,12 +19,6 @@ TStatusTag ClassifyByWords(std::string_view line);
 // devenv's "... complete -- N errors, M warnings": the two counts; nullopt for other lines.
 std::optional<std::pair<int64_t, int64_t>> ReadDevEnvCounts(std::string_view line);
 
-// MSBuild's closing "N Error(s)" and "N Warning(s)" lines: the count each gives.
-struct TMSBuildCounts {
-  std::optional<int64_t> Errors, Warnings;
-};
-TMSBuildCounts ReadMSBuildCounts(std::string_view line);
-
 // True when `text` holds devenv 2002/2003's ": N succeeded, M failed, K skipped" with M > 0.
 bool ReportsFailedProjects(std::string_view text);
 

@@ -363,7 +363,7 @@ void TQvCustomVSDotNetAction::ReadDevEnvSummary(std::string_view line) {
 }
 
 bool TQvCustomVSDotNetAction::ReadMSBuildSummary(std::string_view line) {
-  TMSBuildCounts counts = ReadMSBuildCounts(line);
+  TSummaryCounts counts = ReadSummaryCounts(line);
   if (counts.Errors) {
     SendMetricInt("Compiler", "Errors", *counts.Errors);
     SendMessage(std::string(line), TStatusTag::Error);

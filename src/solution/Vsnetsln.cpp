@@ -294,11 +294,17 @@ IntfPtr<IVSDotNetSolution> TSolutionReader::Read() {
   return IntfPtr<IVSDotNetSolution>(FSolution.Get());
 }
 
+// The fixed shapes of a solution file's lines.
+constexpr size_t kHeaderNumberAt =
+    53;  // after "Microsoft Visual Studio Solution File, Format Version "
+constexpr size_t kProjectPrefix = 9;  // "Project(\""
+constexpr size_t kGuidLength = 38;    // "{XXXXXXXX-XXXX-XXXX-XXXX-XXXXXXXXXXXX}"
+
 TVSDotNetVersion TSolutionReader::ReadHeader() {
   const std::string& header = FLines[0];
   TRegExpr re("Microsoft Visual Studio Solution File, Format Version \\d+\\.", true);
   if (!re.Exec(header)) throw Exception("Invalid Visual Studio Solution Header : " + header);
-  std::string number = re.Match(0).substr(53);
+  std::string number = re.Match(0).substr(kHeaderNumberAt);
   number.pop_back();  // the point
   switch (StrToIntDef(number, 0)) {
     case 7:
@@ -327,8 +333,8 @@ void TSolutionReader::ReadProjects() {
 }
 
 void TSolutionReader::ReadProjectLine(const std::string& line) {
-  std::string rest = line.substr(9);
-  std::string typeGuid = rest.substr(0, std::min<size_t>(38, rest.size()));
+  std::string rest = line.substr(kProjectPrefix);
+  std::string typeGuid = rest.substr(0, std::min(kGuidLength, rest.size()));
   rest.erase(0, typeGuid.size());
   size_t eq = rest.find('=');
   if (eq == std::string::npos) throw Exception("Error parsing project string");
@@ -390,8 +396,11 @@ void TSolutionReader::ReadConfigurationMappings() {
   TRegExpr re("\\.(.+)\\.(ActiveCfg|Build\\.0) = (.+)");
   for (; TrimmedLine() != "EndGlobalSection"; ++FIndex) {
     std::string line = TrimmedLine();
-    IntfPtr<IVSDotNetProject> project = FSolution->Projects().FindByGUID(line.substr(0, 38));
-    if (!project || line.size() <= 38 || !re.Exec(std::string_view(line).substr(38))) continue;
+    IntfPtr<IVSDotNetProject> project =
+        FSolution->Projects().FindByGUID(line.substr(0, kGuidLength));
+    if (!project || line.size() <= kGuidLength ||
+        !re.Exec(std::string_view(line).substr(kGuidLength)))
+      continue;
     project->AddConfiguration(re.Match(1), re.Match(3), re.Match(2) == "ActiveCfg");
   }
 }
@@ -399,7 +408,8 @@ void TSolutionReader::ReadConfigurationMappings() {
 void TSolutionReader::ReadGlobalDependencies() {
   for (; TrimmedLine() != "EndGlobalSection"; ++FIndex) {
     std::string line = TrimmedLine();
-    IntfPtr<IVSDotNetProject> project = FSolution->Projects().FindByGUID(line.substr(0, 38));
+    IntfPtr<IVSDotNetProject> project =
+        FSolution->Projects().FindByGUID(line.substr(0, kGuidLength));
     size_t eq = line.find('=');
     if (project && eq != std::string::npos)
       project->GetDependencies()->Add(Trim(std::string_view(line).substr(eq + 1)));
