@@ -24,16 +24,18 @@ bool StartsWithWord(std::string_view s, std::string_view word) {
 
 // Reads "[subcategory ]error|warning[ CODE]" (case ignored): the part between the origin's
 // colon and the colon before the text.
-bool ReadCategory(std::string_view head, TCanonicalMessage& m) {
+bool ReadCategory(std::string_view head, TCanonicalMessage& m, bool originless) {
   for (size_t p = 0; p < head.size(); ++p) {
     if (p > 0 && !IsBlank(head[p - 1])) continue;
     std::string_view at = head.substr(p);
     size_t length = StartsWithWord(at, "error") ? 5 : StartsWithWord(at, "warning") ? 7 : 0;
     if (length == 0) continue;
-    // Codes are letters and digits (CS0103, MSB4018, LNK2019): "error code : 1" is prose.
     std::string_view code = TrimView(at.substr(length));
     if (code.find_first_of(" \t") != std::string_view::npos) continue;
-    if (!code.empty() && code.find_first_of("0123456789") == std::string_view::npos) continue;
+    // Without an origin, a code must look like one (CS0103, MSB4018): "... returned Error code
+    // : 1" is prose.
+    if (originless && !code.empty() && code.find_first_of("0123456789") == std::string_view::npos)
+      continue;
     m.Error = length == 5;
     m.Subcategory = TrimView(head.substr(0, p));
     m.Code = code;
@@ -70,10 +72,26 @@ bool EndsWithProjectExtension(std::string_view name) {
   return endsWith("proj") || endsWith(".sln");
 }
 
-// The colon that ends the origin: the first one, passing over a drive letter's.
-size_t OriginColon(std::string_view s) {
-  size_t from = s.size() > 2 && IsLetter(s[0]) && s[1] == ':' ? 2 : 0;
-  return s.find(':', from);
+// Splits "origin: category: text": the origin ends at its first colon, or at the next one when
+// the first belongs to a drive letter ("C:\\a.cs(1): error ..."); without an origin the line
+// starts with the category. `rest` is the text after the category's colon.
+bool ReadOriginAndCategory(std::string_view s, TCanonicalMessage& m, std::string_view& rest) {
+  size_t first = s.find(':');
+  if (first == std::string_view::npos) return false;
+  size_t drive = s.size() > 2 && IsLetter(s[0]) && s[1] == ':' ? s.find(':', 2) : first;
+  for (size_t colon : {drive, first}) {
+    if (colon == std::string_view::npos) continue;
+    std::string_view after = s.substr(colon + 1);
+    size_t textColon = after.find(':');
+    if (textColon != std::string_view::npos && ReadCategory(after.substr(0, textColon), m, false)) {
+      ReadOrigin(TrimView(s.substr(0, colon)), m);
+      rest = after.substr(textColon + 1);
+      return true;
+    }
+  }
+  if (!ReadCategory(s.substr(0, first), m, true)) return false;
+  rest = s.substr(first + 1);
+  return true;
 }
 
 }  // namespace
@@ -86,22 +104,8 @@ std::optional<TCanonicalMessage> ParseCanonicalMessage(std::string_view line) {
   if (node > 0 && node < s.size() && s[node] == '>') s = s.substr(node + 1);
 
   TCanonicalMessage m;
-  std::string_view rest = s;
-  // With an origin the category follows its colon; without one the line starts with it.
-  if (size_t colon = OriginColon(s); colon != std::string_view::npos) {
-    std::string_view after = s.substr(colon + 1);
-    size_t textColon = after.find(':');
-    if (textColon != std::string_view::npos && ReadCategory(after.substr(0, textColon), m)) {
-      ReadOrigin(TrimView(s.substr(0, colon)), m);
-      rest = after.substr(textColon + 1);
-    } else {
-      size_t own = s.find(':');
-      if (!ReadCategory(s.substr(0, own), m)) return std::nullopt;
-      rest = s.substr(own + 1);
-    }
-  } else {
-    return std::nullopt;
-  }
+  std::string_view rest;
+  if (!ReadOriginAndCategory(s, m, rest)) return std::nullopt;
   rest = TrimView(rest);
   if (size_t open = rest.rfind(" ["); open != std::string_view::npos && rest.back() == ']') {
     std::string_view project = rest.substr(open + 2, rest.size() - open - 3);

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "QvActions.h"
+#include "QvCanonicalMessage.h"
 #include "QvCounts.h"
 #include "QvText.h"
 #include "QvUtils.h"
@@ -86,57 +87,10 @@ void AppendInt(std::string& out, int value) {
 
 enum class TCategory { None, Error, Warning };
 
-// Matches what follows an origin's colon: "[subcategory ]error|warning[ CODE]:" (case
-// ignored), the subcategory being any colon-free text that ends in a blank.
-TCategory MatchCategory(std::string_view rest) {
-  size_t colon = rest.find(':');
-  if (colon == std::string_view::npos) return TCategory::None;
-  std::string_view head = rest.substr(0, colon);
-  for (size_t p = 0; p < head.size(); ++p) {
-    if (p > 0 && head[p - 1] != ' ') continue;
-    std::string_view at = head.substr(p);
-    TCategory category = TCategory::None;
-    size_t length = 0;
-    if (StartsWithNoCase(at, "error")) {
-      category = TCategory::Error, length = 5;
-    } else if (StartsWithNoCase(at, "warning")) {
-      category = TCategory::Warning, length = 7;
-    } else {
-      continue;
-    }
-    // Behind the word: nothing, or a blank and one code token, blanks around it allowed.
-    std::string_view tail = at.substr(length);
-    if (!tail.empty() && !IsBlank(tail[0])) continue;
-    std::string_view code = TrimRightView(TrimLeftView(tail));
-    if (code.find_first_of(" \t") == std::string_view::npos) return category;
-  }
-  return TCategory::None;
-}
-
-// Classifies a line in MSBuild's canonical message format
-// "origin: [subcategory ]error|warning [CODE]: text", the origin being optional (a tool
-// name, or a file with an optional position) and possibly led by a drive letter or, with
-// several nodes, by "N>".
+// A line in MSBuild's canonical message form, by its category.
 TCategory ClassifyCanonical(std::string_view line) {
-  std::string_view s = TrimLeftView(line);
-  size_t originStart = 0;
-  while (originStart < s.size() && s[originStart] >= '0' && s[originStart] <= '9')
-    ++originStart;
-  originStart =
-      originStart > 0 && originStart < s.size() && s[originStart] == '>' ? originStart + 1 : 0;
-  std::string_view origin = s.substr(originStart);
-  bool drive = origin.size() > 2 && origin[1] == ':' &&
-               ((origin[0] >= 'a' && origin[0] <= 'z') || (origin[0] >= 'A' && origin[0] <= 'Z'));
-  if (drive) {
-    size_t colon = origin.find(':', 2);
-    if (colon != std::string_view::npos) {
-      if (TCategory c = MatchCategory(origin.substr(colon + 1)); c != TCategory::None) return c;
-    }
-  }
-  if (size_t colon = s.find(':'); colon != std::string_view::npos) {
-    if (TCategory c = MatchCategory(s.substr(colon + 1)); c != TCategory::None) return c;
-  }
-  return MatchCategory(s);
+  std::optional<TCanonicalMessage> m = ParseCanonicalMessage(line);
+  return !m ? TCategory::None : m->Error ? TCategory::Error : TCategory::Warning;
 }
 
 enum class TSummary { None, Errors, Warnings };
