@@ -1,13 +1,13 @@
 #!/usr/bin/env bash
 # qvsln --json against the npm package vs-parse (run with node) on the same 5,000-project
-# solution (project files on disk, dependencies between them), alternating five pairs, with
+# solution (project files on disk, random dependencies), alternating five pairs, with
 # peak memory. Needs node and npm; vs-parse is installed into build/vsparse on first use.
 # Usage: bench/solution_load.sh [PAIRS]
 set -euo pipefail
 cd "$(dirname "$0")/.."
 pairs="${1:-5}"
-build/bin/bench_solution --benchmark_filter='OpenSolution/5000$' --benchmark_min_time=0.01 >/dev/null
-sln="${TMPDIR:-/tmp}/qvbench-5000-p/Big.sln"
+build/bin/bench_solution --benchmark_filter='OpenRandomSolution/5000$' --benchmark_min_time=0.01 >/dev/null
+sln="${TMPDIR:-/tmp}/qvbench-5000-r/Big.sln"
 if [ ! -d build/vsparse/node_modules/vs-parse ]; then
   mkdir -p build/vsparse
   (cd build/vsparse && npm init -y >/dev/null && npm install --silent vs-parse >/dev/null)
