@@ -37,6 +37,23 @@ void TQvPage::CheckRadio(const std::string& name) {
   chosen.Checked = true;
 }
 
+bool TQvPage::BrowseFileInto(const std::string& name, const std::string& title,
+                             const std::string& filter, const std::string& defaultExt) {
+  TQvControl& c = (*this)[name];
+  std::string chosen;
+  if (!FServices || !FServices->BrowseFile(title, filter, defaultExt, c.Text, chosen)) return false;
+  c.Text = chosen;
+  return true;
+}
+
+bool TQvPage::BrowseFolderInto(const std::string& name, const std::string& title) {
+  TQvControl& c = (*this)[name];
+  std::string chosen;
+  if (!FServices || !FServices->BrowseFolder(title, c.Text, chosen)) return false;
+  c.Text = chosen;
+  return true;
+}
+
 namespace {
 void Fire(const std::function<void()>& event) {
   if (event) event();

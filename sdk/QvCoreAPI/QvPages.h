@@ -112,6 +112,11 @@ class TQvPage {
   }
   // Checks a radio button and unchecks the others of its group, without events.
   void CheckRadio(const std::string& name);
+  // Offers the host's file (or folder) browser, starting from the text of control `name`, and
+  // puts the choice there; false when the user cancelled or there is no host.
+  bool BrowseFileInto(const std::string& name, const std::string& title, const std::string& filter,
+                      const std::string& defaultExt = {});
+  bool BrowseFolderInto(const std::string& name, const std::string& title);
   IQvDesignServices* Services() const { return FServices; }
 
  private:

@@ -25,11 +25,7 @@ TQvControl& TMSTestFrame::AddPathEdit(const char* name, const char* label, const
   if (*label) Add(TQvControlKind::Label, std::string(name) + "Label", label);
   TQvControl& edit = Add(TQvControlKind::PathEdit, name);
   edit.ButtonHint = "Click to Edit Path";
-  edit.OnButton = [this, name, filter] {
-    std::string chosen;
-    TQvControl& e = (*this)[name];
-    if (Services() && Services()->BrowseFile("", filter, "", e.Text, chosen)) e.Text = chosen;
-  };
+  edit.OnButton = [this, name, filter] { BrowseFileInto(name, "", filter); };
   NextRow();
   return edit;
 }

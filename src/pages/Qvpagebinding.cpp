@@ -9,6 +9,7 @@
 #include "Qvvsdotnetoptionsframe.h"
 #include "Qvvsdotnetpathsframe.h"
 #include "Qvvsdotnetprojectframe.h"
+#include "Qvvsdotnetpropertypage.h"
 #include "Qvvsdotnetsolutioniteratorframe.h"
 #include "Qvvsdotnetwebprojectdetectionframe.h"
 #include "Qvwin32versioninfoupdaterframe.h"
@@ -75,6 +76,20 @@ void TProjectChoicePage::EnableProjectChoice(bool enabled) {
   (*this)["rb" + FPrefix + "Selected"].Enabled = enabled;
   (*this)["lst" + FPrefix + "Projects"].Enabled =
       enabled && (*this)["rb" + FPrefix + "Selected"].Checked;
+}
+
+void TVSDotNetMSBuildPage::UpdateSolution(bool, IVSDotNetSolution* solution, bool usingMSBuild,
+                                          bool vs2008) {
+  FUsingMSBuild = usingMSBuild;
+  FVS2008 = vs2008;
+  FSolutionFile = solution ? solution->GetFileName() : std::string();
+  UpdateControls();
+}
+
+void TVSDotNetMSBuildPage::ReadMSBuildFlags(const TCustomQvAction& action) {
+  int version = PropOrdinal(action, "VStudioVersion");
+  FUsingMSBuild = PropBool(action, "UseMSBuild") && version >= int(TVSDotNetVersion::vs2005);
+  FVS2008 = version == int(TVSDotNetVersion::vs2008);
 }
 
 namespace {

@@ -90,10 +90,7 @@ void TVSDotNetBuildFrame::ReadActionData(TCustomQvAction* action) {
     list.ItemIndex = index >= 0 && index < static_cast<int>(list.Items.size()) ? index : -1;
     list.Text = list.ItemIndex >= 0 ? list.Items[list.ItemIndex] : "";
   }
-  // Until the Solution page says otherwise, what the action itself would do.
-  int version = PropOrdinal(*action, "VStudioVersion");
-  FUsingMSBuild = PropBool(*action, "UseMSBuild") && version >= int(TVSDotNetVersion::vs2005);
-  FVS2008 = version == int(TVSDotNetVersion::vs2008);
+  ReadMSBuildFlags(*action);
   UpdateControls();
 }
 
@@ -105,12 +102,6 @@ void TVSDotNetBuildFrame::WriteActionData(TCustomQvAction* action) {
   for (const auto& [control, prop] : kLists)
     if ((*this)[control].ItemIndex >= 0)
       action->SetPropValue(prop, std::to_string((*this)[control].ItemIndex));
-}
-
-void TVSDotNetBuildFrame::UpdateSolution(bool, IVSDotNetSolution*, bool usingMSBuild, bool vs2008) {
-  FUsingMSBuild = usingMSBuild;
-  FVS2008 = vs2008;
-  UpdateControls();
 }
 
 void TVSDotNetBuildFrame::UpdateControls() {

@@ -2,24 +2,19 @@
 // logging overrides.
 #pragma once
 
-#include "QvPages.h"
 #include "Qvvsdotnetpropertypage.h"
 
 namespace qv {
 
-class TVSDotNetBuildFrame : public TQvPage, public IVSDotNetPropertyPage {
+class TVSDotNetBuildFrame : public TVSDotNetMSBuildPage {
  public:
   TVSDotNetBuildFrame();
   std::string PageName() const override { return "Build"; }
   void ReadActionData(TCustomQvAction* action) override;
   void WriteActionData(TCustomQvAction* action) override;
-  void UpdateSolution(bool flag, IVSDotNetSolution* solution, bool usingMSBuild,
-                      bool vs2008) override;
 
  private:
-  void UpdateControls();
-
-  bool FUsingMSBuild = false, FVS2008 = false;
+  void UpdateControls() override;
 };
 
 }  // namespace qv

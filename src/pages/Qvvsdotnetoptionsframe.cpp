@@ -28,12 +28,7 @@ TVSDotNetOptionsFrame::TVSDotNetOptionsFrame() {
     std::string control = name;
     bool msTest = control == "edtMSTestDir";
     Add(TQvControlKind::PathEdit, name).OnButton = [this, control, msTest] {
-      std::string chosen;
-      TQvControl& edit = (*this)[control];
-      if (Services() &&
-          Services()->BrowseFolder(msTest ? "Standalone MSTest Directory" : "Devenv.com Location",
-                                   edit.Text, chosen))
-        edit.Text = chosen;
+      BrowseFolderInto(control, msTest ? "Standalone MSTest Directory" : "Devenv.com Location");
     };
     NextRow();
   }

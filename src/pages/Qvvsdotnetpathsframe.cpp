@@ -7,12 +7,7 @@ namespace qv {
 TVSDotNetPathsFrame::TVSDotNetPathsFrame() {
   Add(TQvControlKind::Label, "lblOutputDir", "Output Directory:");
   TQvControl& output = Add(TQvControlKind::PathEdit, "edtOutputDir");
-  output.OnButton = [this] {
-    std::string chosen;
-    TQvControl& edit = (*this)["edtOutputDir"];
-    if (Services() && Services()->BrowseFolder("Select Directory", edit.Text, chosen))
-      edit.Text = chosen;
-  };
+  output.OnButton = [this] { BrowseFolderInto("edtOutputDir", "Select Directory"); };
   NextRow();
   Add(TQvControlKind::CheckBox, "chkOverrideReferencePaths", "Override Reference Paths").OnClick =
       [this] { UpdateControls(); };
@@ -38,8 +33,7 @@ void TVSDotNetPathsFrame::ReadActionData(TCustomQvAction* action) {
   (*this)["edtOutputDir"].Text = action->GetPropValue("OutputDirectory");
   (*this)["chkOverrideReferencePaths"].Checked = PropBool(*action, "OverrideReferencePaths");
   (*this)["edtRefPaths"].Text = action->GetPropValue("ReferencePaths");
-  int version = PropOrdinal(*action, "VStudioVersion");
-  FUsingMSBuild = PropBool(*action, "UseMSBuild") && version >= int(TVSDotNetVersion::vs2005);
+  ReadMSBuildFlags(*action);
   UpdateControls();
 }
 
@@ -47,13 +41,6 @@ void TVSDotNetPathsFrame::WriteActionData(TCustomQvAction* action) {
   action->SetPropValue("OutputDirectory", (*this)["edtOutputDir"].Text);
   SetPropBool(*action, "OverrideReferencePaths", (*this)["chkOverrideReferencePaths"].Checked);
   action->SetPropValue("ReferencePaths", (*this)["edtRefPaths"].Text);
-}
-
-void TVSDotNetPathsFrame::UpdateSolution(bool, IVSDotNetSolution* solution, bool usingMSBuild,
-                                         bool) {
-  FUsingMSBuild = usingMSBuild;
-  FSolutionFile = solution ? solution->GetFileName() : std::string();
-  UpdateControls();
 }
 
 void TVSDotNetPathsFrame::UpdateControls() {

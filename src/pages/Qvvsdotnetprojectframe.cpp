@@ -21,12 +21,8 @@ TVSDotNetProjectFrame::TVSDotNetProjectFrame() {
   solution.HasAltButton = true;
   solution.AltButtonHint = "Refresh Configuration List";
   solution.OnButton = [this] {
-    std::string chosen;
-    if (Services() && Services()->BrowseFile("Select Solution", "Solution Files (*.sln)|*.sln",
-                                             ".sln", (*this)["txtSolution"].Text, chosen)) {
-      (*this)["txtSolution"].Text = chosen;
-      LoadSolutionDetails(false, chosen);
-    }
+    if (BrowseFileInto("txtSolution", "Select Solution", "Solution Files (*.sln)|*.sln", ".sln"))
+      LoadSolutionDetails(false, (*this)["txtSolution"].Text);
   };
   solution.OnAltButton = [this] {
     std::string file = (*this)["txtSolution"].Text;

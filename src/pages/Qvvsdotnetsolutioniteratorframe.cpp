@@ -25,10 +25,7 @@ TSolutionIteratorFrame::TSolutionIteratorFrame() {
   solution.HasAltButton = true;
   solution.AltButtonHint = "Refresh Configuration List";
   solution.OnButton = [this] {
-    std::string chosen;
-    if (Services() && Services()->BrowseFile("Select Solution", "Solution Files (*.sln)|*.sln",
-                                             ".sln", (*this)["txtSolution"].Text, chosen))
-      (*this)["txtSolution"].Text = chosen;
+    BrowseFileInto("txtSolution", "Select Solution", "Solution Files (*.sln)|*.sln", ".sln");
   };
   StartGroup("Project Property to Iterate");
   Add(TQvControlKind::RadioButton, "rbName", "Project Name");

@@ -22,12 +22,8 @@ constexpr const char* kSwitches[][3] = {
 TWin32VersionInfoUpdaterFrame::TWin32VersionInfoUpdaterFrame() {
   Add(TQvControlKind::Label, "lblResourceFile", "Resource script (.rc):");
   Add(TQvControlKind::PathEdit, "edtResourceFile").OnButton = [this] {
-    std::string chosen;
-    TQvControl& edit = (*this)["edtResourceFile"];
-    if (Services() && Services()->BrowseFile("Resource Script",
-                                             "Resource Scripts (*.rc)|*.rc|All Files (*.*)|*.*",
-                                             ".rc", edit.Text, chosen))
-      edit.Text = chosen;
+    BrowseFileInto("edtResourceFile", "Resource Script",
+                   "Resource Scripts (*.rc)|*.rc|All Files (*.*)|*.*", ".rc");
   };
   NextRow();
   Add(TQvControlKind::Label, "lblPropertySet", "Property set:");
