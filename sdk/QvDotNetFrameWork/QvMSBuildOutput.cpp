@@ -304,7 +304,9 @@ void TQvMSBuildStructuredOutputHelper::Diagnostic(bool error, std::string_view p
                                                   std::string_view file, std::string_view line,
                                                   std::string_view column, std::string_view code,
                                                   std::string_view message, int instance) {
-  ++(error ? FErrorCount : FWarningCount);
+  // A summary may already have put a count at its ceiling; counting on must not overflow it.
+  int64_t& counter = error ? FErrorCount : FWarningCount;
+  counter = AddCounts(counter, 1);
   FText.clear();
   if (file.empty()) {
     FText += "MSBUILD : ";
@@ -371,11 +373,11 @@ void TQvMSBuildStructuredOutputHelper::ProcessConsoleLine(std::string_view line)
     case TSummary::None:
       switch (ClassifyCanonical(line)) {
         case TCategory::Error:
-          if (!FLoggerSeen) ++FErrorCount, ++FRunErrors;
+          if (!FLoggerSeen) FErrorCount = AddCounts(FErrorCount, 1), ++FRunErrors;
           tag = TStatusTag::Error;
           break;
         case TCategory::Warning:
-          if (!FLoggerSeen) ++FWarningCount, ++FRunWarnings;
+          if (!FLoggerSeen) FWarningCount = AddCounts(FWarningCount, 1), ++FRunWarnings;
           tag = TStatusTag::Warning;
           break;
         case TCategory::None:
