@@ -82,7 +82,16 @@ std::string ResolvePathCase(const std::string& path) {
 }
 
 bool FileExistsAnyCase(const std::string& path) {
-  return platform::FileExists(ResolvePathCase(path));
+  return !ResolveExistingFile(path).empty();
+}
+
+std::string ResolveExistingFile(const std::string& path) {
+  std::error_code ec;
+  auto status = std::filesystem::status(path, ec);
+  if (std::filesystem::exists(status))
+    return std::filesystem::is_regular_file(status) ? path : std::string();
+  std::string resolved = ResolvePathCase(path);
+  return resolved != path && platform::FileExists(resolved) ? resolved : std::string();
 }
 
 void ClearPathCaseCache() {

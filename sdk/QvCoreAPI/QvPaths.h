@@ -15,6 +15,10 @@ std::string ResolvePathCase(const std::string& path);
 // True when a regular file exists at `path`, looked up as ResolvePathCase does.
 bool FileExistsAnyCase(const std::string& path);
 
+// The path of the regular file `path` names, looked up as ResolvePathCase does, or empty
+// when there is none. One status call when the file exists as written.
+std::string ResolveExistingFile(const std::string& path);
+
 // Forgets every cached folder listing.
 void ClearPathCaseCache();
 

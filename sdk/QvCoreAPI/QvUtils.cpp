@@ -201,11 +201,19 @@ size_t Utf8Length(std::string_view s, size_t i) {
 }
 }  // namespace
 
-std::string JsonString(std::string_view s) {
+void AppendJsonString(std::string& r, std::string_view s) {
   static const char* hex = "0123456789abcdef";
-  std::string r = "\"";
-  r.reserve(s.size() + 2);
+  r += '"';
   for (size_t i = 0; i < s.size(); ++i) {
+    size_t plain = i;  // a run that needs no escape is copied at once
+    while (plain < s.size() && static_cast<unsigned char>(s[plain]) >= 0x20 &&
+           static_cast<unsigned char>(s[plain]) < 0x7F && s[plain] != '"' && s[plain] != '\\')
+      ++plain;
+    if (plain > i) {
+      r.append(s.substr(i, plain - i));
+      i = plain;
+      if (i == s.size()) break;
+    }
     auto c = static_cast<unsigned char>(s[i]);
     if (c == '"' || c == '\\') {
       r += '\\';
@@ -216,13 +224,7 @@ std::string JsonString(std::string_view s) {
       r += "\\r";
     } else if (c == '\t') {
       r += "\\t";
-    } else if (c < 0x20 || c == 0x7F) {
-      r += "\\u00";
-      r += hex[c >> 4];
-      r += hex[c & 15];
-    } else if (c < 0x80) {
-      r += static_cast<char>(c);
-    } else if (size_t len = Utf8Length(s, i)) {
+    } else if (size_t len = c >= 0x80 ? Utf8Length(s, i) : 0) {
       r.append(s.substr(i, len));
       i += len - 1;
     } else {
@@ -232,6 +234,12 @@ std::string JsonString(std::string_view s) {
     }
   }
   r += '"';
+}
+
+std::string JsonString(std::string_view s) {
+  std::string r;
+  r.reserve(s.size() + 2);
+  AppendJsonString(r, s);
   return r;
 }
 

@@ -78,6 +78,8 @@ TQvURI ParseURI(std::string_view address);
 // `s` as a JSON string literal, quotes included. Bytes that are not UTF-8 are taken as
 // Latin-1 characters, so any 8-bit text yields valid JSON.
 std::string JsonString(std::string_view s);
+// Appends JsonString(s) to `out`.
+void AppendJsonString(std::string& out, std::string_view s);
 
 // Looks a variable up by name; nullopt when there is none.
 using TVariableLookup = std::function<std::optional<std::string>(std::string_view name)>;

@@ -117,8 +117,9 @@ class TVSDotNetProject : public TVSDotNetObject, public IVSDotNetProject {
     return i >= 0 && FConfigurations.Objects(i) != 0;
   }
 
-  // Reads the resource scripts of a Visual C++ project file and finds the version script.
-  void ReadProjectFile(const std::string& solutionDir);
+  // Reads the resource scripts of a Visual C++ project file (`path`, the existing file the
+  // project names, or empty when there is none) and finds the version script.
+  void ReadProjectFile(const std::string& path);
 
   QV_ANSWERS(IVSDotNetProject)
  private:
@@ -198,11 +199,8 @@ class TVSDotNetSolution : public TVSDotNetObject, public IVSDotNetSolution {
 
 // ---- project files ------------------------------------------------------------------------
 
-void TVSDotNetProject::ReadProjectFile(const std::string& solutionDir) {
-  std::string path = ResolvePathCase(ExpandRelativePath(FFileName, solutionDir));
-  if (!platform::FileExists(path)) return;
-  if (LowerCase(ExtractFileExt(path)) != ".vcproj") return;
-
+void TVSDotNetProject::ReadProjectFile(const std::string& path) {
+  if (path.empty() || LowerCase(ExtractFileExt(path)) != ".vcproj") return;
   std::string text, error;
   if (!platform::ReadWholeFile(path, text, error))
     throw Exception("Error parsing project file : " + error + " (" + path + ")");
@@ -344,11 +342,12 @@ void TSolutionReader::ReadProjectLine(const std::string& line) {
   const std::string& path = items[1];
 
   bool web = ContainsStr(path, "http://") || ContainsStr(path, "https://");
-  if (!web && !FIncludeMissing && !FileExistsAnyCase(ExpandRelativePath(path, FSolutionDir)))
+  std::string existing = ResolveExistingFile(ExpandRelativePath(path, FSolutionDir));
+  if (!web && !FIncludeMissing && existing.empty())
     return;  // skipped: the current project stays what it was
   auto* project = new TVSDotNetProject(items[0], path, typeGuid, items[2], FFileName);
   IntfPtr<IVSDotNetProject> ref(project);
-  project->ReadProjectFile(FSolutionDir);
+  project->ReadProjectFile(existing);
   FSolution->Projects().Add(ref);
   FCurrent = project;
 }
@@ -392,16 +391,41 @@ void TSolutionReader::ReadSolutionConfigurations() {
   FSolution->SetConfigurations(IntfPtr<IVSDotNetSolutionConfigurations>(configs.Get()));
 }
 
+// One configuration line after the project's identifier: ".SOLUTION.ActiveCfg = PROJECT" or
+// ".SOLUTION.Build.0 = PROJECT". The solution part runs from the first point to the last
+// marker that has text after it, so configuration names may hold points and markers.
+struct TConfigurationMapping {
+  std::string_view Solution, Project;
+  bool Active = false;
+};
+
+bool ReadConfigurationMapping(std::string_view rest, TConfigurationMapping& m) {
+  constexpr std::string_view kActive = ".ActiveCfg = ", kBuild = ".Build.0 = ";
+  size_t start = rest.find('.');
+  if (start == std::string_view::npos) return false;
+  for (size_t p = rest.size(); p-- > start + 1;) {
+    if (rest[p] != '.') continue;
+    for (std::string_view marker : {kActive, kBuild}) {
+      if (rest.substr(p).starts_with(marker) && p + marker.size() < rest.size()) {
+        m = {rest.substr(start + 1, p - start - 1), rest.substr(p + marker.size()),
+             marker == kActive};
+        return true;
+      }
+    }
+  }
+  return false;
+}
+
 void TSolutionReader::ReadConfigurationMappings() {
-  TRegExpr re("\\.(.+)\\.(ActiveCfg|Build\\.0) = (.+)");
-  for (; TrimmedLine() != "EndGlobalSection"; ++FIndex) {
-    std::string line = TrimmedLine();
-    IntfPtr<IVSDotNetProject> project =
-        FSolution->Projects().FindByGUID(line.substr(0, kGuidLength));
-    if (!project || line.size() <= kGuidLength ||
-        !re.Exec(std::string_view(line).substr(kGuidLength)))
+  for (std::string line = TrimmedLine(); line != "EndGlobalSection"; line = TrimmedLine()) {
+    ++FIndex;
+    TConfigurationMapping m;
+    if (line.size() <= kGuidLength ||
+        !ReadConfigurationMapping(std::string_view(line).substr(kGuidLength), m))
       continue;
-    project->AddConfiguration(re.Match(1), re.Match(3), re.Match(2) == "ActiveCfg");
+    if (IntfPtr<IVSDotNetProject> project =
+            FSolution->Projects().FindByGUID(line.substr(0, kGuidLength)))
+      project->AddConfiguration(std::string(m.Solution), std::string(m.Project), m.Active);
   }
 }
 

@@ -134,7 +134,9 @@ TYPED_TEST(ActionContextContract, ProcessOutputArrivesInWholeLines) {
   std::string joined;
   for (size_t i = 0; i < chunks.Out.size(); ++i) {
     joined += chunks.Out[i];
-    if (i + 1 < chunks.Out.size()) EXPECT_TRUE(chunks.Out[i].ends_with('\n')) << chunks.Out[i];
+    if (i + 1 < chunks.Out.size()) {
+      EXPECT_TRUE(chunks.Out[i].ends_with('\n')) << chunks.Out[i];
+    }
   }
   EXPECT_EQ(joined, "a.cs(3,7): error CS0103: x\r\nnext\nlast");
   EXPECT_EQ(chunks.Out.front(), "a.cs(3,7): error CS0103: x\r\nnext\n");

@@ -181,6 +181,10 @@ TEST_F(SolutionFile, ConfigurationsAndMappings) {
   auto b = s->GetProjects()->FindByGUID(kB);
   EXPECT_EQ(b->GetProjectConfiguration("Release|Any CPU"), "Release|Any CPU");
   EXPECT_TRUE(b->IsActiveConfiguration("Release|Any CPU")) << "ActiveCfg read after Build.0";
+  // Points in a configuration's name; the last marker with text after it ends the name.
+  EXPECT_EQ(b->GetProjectConfiguration("v1.2|x86.ActiveCfg"), "Odd|x86");
+  EXPECT_FALSE(b->IsActiveConfiguration("v1.2|x86.ActiveCfg"));
+  EXPECT_EQ(b->GetConfigurationList().Count(), 2) << "a marker without a value maps nothing";
   EXPECT_FALSE(s->GetProjects()->FindByGUID(LowerCase(kB))) << "FindByGUID is exact";
 }
 

@@ -18,51 +18,69 @@ void ForEachProject(IVSDotNetSolution& solution, Fn&& fn) {
     fn(i, *projects->GetItem(i));
 }
 
-std::string JsonArray(const std::vector<std::string>& items) {
-  std::string r = "[";
-  for (size_t i = 0; i < items.size(); ++i)
-    r += (i ? "," : "") + JsonString(items[i]);
-  return r + "]";
+// The JSON text is appended into one string: the report of a large solution runs to
+// megabytes.
+template <class Range>
+void AppendJsonArray(std::string& out, const Range& items) {
+  out += '[';
+  bool first = true;
+  for (const std::string& item : items) {
+    if (!first) out += ',';
+    first = false;
+    AppendJsonString(out, item);
+  }
+  out += ']';
 }
 
-std::string ProjectJson(IVSDotNetProject& p) {
-  auto deps = p.GetDependencies();
-  std::vector<std::string> depList(deps->GetList()->begin(), deps->GetList()->end());
-  std::vector<std::string> resources(p.GetResourceFiles()->begin(), p.GetResourceFiles()->end());
+void AppendField(std::string& out, std::string_view name, std::string_view text) {
+  out += name;
+  AppendJsonString(out, text);
+}
+
+void AppendProjectJson(std::string& out, IVSDotNetProject& p) {
+  AppendField(out, "{\"name\":", p.GetName());
+  AppendField(out, ",\"fileName\":", p.GetFileName());
+  AppendField(out, ",\"projectTypeGUID\":", p.GetProjectTypeGUID());
+  AppendField(out, ",\"projectGUID\":", p.GetProjectGUID());
+  out += p.IsVCProject() ? ",\"isVCProject\":true" : ",\"isVCProject\":false";
+  out += ",\"dependencies\":";
+  AppendJsonArray(out, *p.GetDependencies()->GetList());
+  out += ",\"resourceFiles\":";
+  AppendJsonArray(out, *p.GetResourceFiles());
+  AppendField(out, ",\"versionInfoFile\":", p.GetVersionInfoFile());
+  out += ",\"configurations\":[";
   const TStringList& configs = p.GetConfigurationList();
-  std::string mappings = "[";
-  for (int i = 0; i < configs.Count(); ++i)
-    mappings += std::string(i ? "," : "") +
-                "{\"solutionConfiguration\":" + JsonString(configs.Names(i)) +
-                ",\"projectConfiguration\":" + JsonString(configs.ValueFromIndex(i)) +
-                ",\"active\":" + (configs.Objects(i) ? "true" : "false") + "}";
-  mappings += "]";
-  return "{\"name\":" + JsonString(p.GetName()) + ",\"fileName\":" + JsonString(p.GetFileName()) +
-         ",\"projectTypeGUID\":" + JsonString(p.GetProjectTypeGUID()) +
-         ",\"projectGUID\":" + JsonString(p.GetProjectGUID()) +
-         ",\"isVCProject\":" + (p.IsVCProject() ? "true" : "false") +
-         ",\"dependencies\":" + JsonArray(depList) + ",\"resourceFiles\":" + JsonArray(resources) +
-         ",\"versionInfoFile\":" + JsonString(p.GetVersionInfoFile()) +
-         ",\"configurations\":" + mappings + "}";
+  for (int i = 0; i < configs.Count(); ++i) {
+    AppendField(
+        out, i ? ",{\"solutionConfiguration\":" : "{\"solutionConfiguration\":", configs.Names(i));
+    AppendField(out, ",\"projectConfiguration\":", configs.ValueFromIndex(i));
+    out += configs.Objects(i) ? ",\"active\":true}" : ",\"active\":false}";
+  }
+  out += "]}";
 }
 
 }  // namespace
 
 std::string SolutionJson(IVSDotNetSolution& solution) {
-  std::string configs = "null";
+  std::string out;
+  AppendField(out, "{\"fileName\":", solution.GetFileName());
+  AppendField(out, ",\"version\":", VersionName(solution.GetVersion()));
+  out += ",\"configurations\":";
   if (auto c = solution.GetConfigurations()) {
     std::vector<std::string> names;
     for (int i = 0; i < c->GetCount(); ++i)
       names.push_back(c->GetItem(i)->GetName());
-    configs = JsonArray(names);
+    AppendJsonArray(out, names);
+  } else {
+    out += "null";
   }
-  std::string projects = "[";
-  ForEachProject(solution,
-                 [&](int i, IVSDotNetProject& p) { projects += (i ? "," : "") + ProjectJson(p); });
-  projects += "]";
-  return "{\"fileName\":" + JsonString(solution.GetFileName()) +
-         ",\"version\":" + JsonString(VersionName(solution.GetVersion())) +
-         ",\"configurations\":" + configs + ",\"projects\":" + projects + "}\n";
+  out += ",\"projects\":[";
+  ForEachProject(solution, [&](int i, IVSDotNetProject& p) {
+    if (i) out += ',';
+    AppendProjectJson(out, p);
+  });
+  out += "]}\n";
+  return out;
 }
 
 std::string SolutionText(IVSDotNetSolution& solution) {
