@@ -64,7 +64,14 @@ consteval TGUID MakeGUID(const char (&s)[N]) {
 }
 
 // Result codes of QueryInterface.
+// (Windows headers define both names as macros; they are set aside here.)
+#pragma push_macro("S_OK")
+#pragma push_macro("E_NOINTERFACE")
+#undef S_OK
+#undef E_NOINTERFACE
 enum class HResult : int32_t { S_OK = 0, E_NOINTERFACE = static_cast<int32_t>(0x80004002) };
+#pragma pop_macro("E_NOINTERFACE")
+#pragma pop_macro("S_OK")
 
 // The root of every interface. Interfaces derive from it virtually so that one object
 // carries a single reference count however many interfaces it implements.

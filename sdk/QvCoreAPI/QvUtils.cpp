@@ -31,10 +31,26 @@ std::string NativeSeparators(std::string_view p) {
   return r;
 }
 
+// The root of an absolute native path: "" on POSIX (the separator that starts it), the
+// drive (C:) or the server and share (\\server\share) on Windows.
+std::string_view RootOf(std::string_view abs) {
+#ifdef _WIN32
+  if (abs.size() >= 2 && abs[1] == ':') return abs.substr(0, 2);
+  if (abs.size() >= 2 && abs[0] == '\\' && abs[1] == '\\') {
+    size_t server = abs.find('\\', 2);
+    size_t share = server == std::string_view::npos ? server : abs.find('\\', server + 1);
+    return abs.substr(0, share);
+  }
+#endif
+  (void)abs;
+  return {};
+}
+
 // Folds "." and ".." and repeated separators of an absolute native path.
 std::string FoldPath(const std::string& abs) {
+  std::string_view root = RootOf(abs);
   std::vector<std::string_view> parts;
-  std::string_view s = abs;
+  std::string_view s = std::string_view(abs).substr(root.size());
   size_t i = 0;
   while (i < s.size()) {
     size_t j = s.find(platform::PathDelim, i);
@@ -47,18 +63,28 @@ std::string FoldPath(const std::string& abs) {
     }
     i = j + 1;
   }
-  std::string r;
+  std::string r(root);
   for (auto part : parts)
     r.append(1, platform::PathDelim).append(part);
-  return r.empty() ? std::string(1, platform::PathDelim) : r;
+  return r.size() == root.size() ? r + platform::PathDelim : r;
+}
+
+// `native` made absolute where it is rooted but has no drive (\src on Windows: on the current
+// drive); unchanged elsewhere.
+std::string OnCurrentDrive(std::string native) {
+#ifdef _WIN32
+  if (!native.empty() && native[0] == '\\' && (native.size() == 1 || native[1] != '\\'))
+    return platform::CurrentDirectory().substr(0, 2) + native;
+#endif
+  return native;
 }
 }  // namespace
 
 std::string ExpandRelativePath(std::string_view path, std::string_view base) {
   if (IsForeignAbsolute(path)) return std::string(path);
-  std::string native = NativeSeparators(path);
+  std::string native = OnCurrentDrive(NativeSeparators(path));
   if (platform::IsAbsolutePath(native)) return FoldPath(native);
-  std::string b = NativeSeparators(base);
+  std::string b = OnCurrentDrive(NativeSeparators(base));
   if (!platform::IsAbsolutePath(b)) {
     b = IncludeTrailingPathDelimiter(platform::CurrentDirectory()) + b;
   }

@@ -6,11 +6,17 @@
 
 #include "QvActions.h"
 #include "support/RecordingActionContext.h"
+#include "support/TempDir.h"
 
 using namespace qv;
 using qvtest::RecordingActionContext;
 
 namespace {
+
+// A file of the solution's folder, as the reader writes its path.
+std::string Src(std::string_view rest) {
+  return qvtest::NativePath("/src" + std::string(rest));
+}
 
 // A helper bound to a recording action, started for one run of /src/App.sln.
 struct Reader {
@@ -56,10 +62,11 @@ TEST(MSBuildStructuredOutput, LoggerLinesGiveOneGroupPerBuiltProject) {
             "  [0] Configuration: Release Platform: AnyCPU\n"
             "< [1]\n"
             "> Project App.csproj (type 0) [0]\n"
-            "  [2] /src/App/Main.cs(7): warning CS1030: #warning: `Half done'\n"
-            "  [3] /src/App/Main.cs(8,32): error CS0103: The name `x' does not exist\n"
-            "  [0] fields a later logger adds\n"
-            "< [3]\n");
+            "  [2] " +
+                Src("/App/Main.cs") + "(7): warning CS1030: #warning: `Half done'\n" + "  [3] " +
+                Src("/App/Main.cs") + "(8,32): error CS0103: The name `x' does not exist\n" +
+                "  [0] fields a later logger adds\n"
+                "< [3]\n");
   EXPECT_EQ(r.helper.GetErrorCount(), 1);
   EXPECT_EQ(r.helper.GetWarningCount(), 1);
 }
@@ -73,7 +80,7 @@ TEST(MSBuildStructuredOutput, FormatsDiagnosticsCanonically) {
   const Case cases[] = {
       {"no column",
        {"@@qv:warning\t/src/Lib/Lib.csproj\ta.cs\t3\t0\tCS2\tm"},
-       "[2] /src/Lib/a.cs(3): warning CS2: m"},
+       "[2] " + Src("/Lib/a.cs") + "(3): warning CS2: m"},
       {"no position", {"@@qv:warning\t\ta.resx\t0\t0\tMSB3\tm"}, "[2] a.resx : warning MSB3: m"},
       {"no file", {"@@qv:error\t\t\t0\t0\tMSB4\tm"}, "[3] MSBUILD : error MSB4: m"},
       {"no code, bad numbers", {"@@qv:error\t\ta.cs\t1\tx\t\tm"}, "[3] a.cs(1): error : m"},
@@ -83,11 +90,11 @@ TEST(MSBuildStructuredOutput, FormatsDiagnosticsCanonically) {
       {"raised inside an internal call",
        {"@@qv:projectStarted\t/src/Other/Other.csproj\tGetTargetPath",
         "@@qv:error\t/src/Other/Other.csproj\ta.cs\t1\t1\tCS4\tm"},
-       "[3] /src/Other/a.cs(1,1): error CS4: m [/src/Other/Other.csproj]"},
+       "[3] " + Src("/Other/a.cs") + "(1,1): error CS4: m [/src/Other/Other.csproj]"},
       {"raised by the solution about itself",
        {"@@qv:projectFinished\t/src/Lib/Lib.csproj\tFalse",
         "@@qv:error\t/src/App.sln\t/src/App.sln\t0\t0\tMSB3202\tnot found"},
-       "[3] /src/App.sln : error MSB3202: not found"},
+       "[3] " + Src("/App.sln") + " : error MSB3202: not found"},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.name);
@@ -143,16 +150,18 @@ TEST(MSBuildStructuredOutput, InterleavedInstancesLogAsTheirOwnGroups) {
           "@@qv:projectStarted\t/src/C/C.csproj\t\t6\t1", "@@qv:buildFinished\tFalse"});
   EXPECT_EQ(r.ctx->Transcript(),
             "> Project A.csproj (type 0) [0]\n"
-            "  [3] /src/A/A.cs(1,2): error CS0103: missing\n"
-            "< [3]\n"
-            "> Project B.csproj (type 0) [0]\n"
-            "  [0] B compiles\n"
-            "  > Project Lib.csproj (type 0) [0]\n"
-            "    [2] /src/Lib/L.cs(3): warning CS0219: unused\n"
-            "  < [1]\n"
-            "< [1]\n"
-            "> Project C.csproj (type 0) [0]\n"
-            "< [3]\n");
+            "  [3] " +
+                Src("/A/A.cs") + "(1,2): error CS0103: missing\n" +
+                "< [3]\n"
+                "> Project B.csproj (type 0) [0]\n"
+                "  [0] B compiles\n"
+                "  > Project Lib.csproj (type 0) [0]\n"
+                "    [2] " +
+                Src("/Lib/L.cs") + "(3): warning CS0219: unused\n" +
+                "  < [1]\n"
+                "< [1]\n"
+                "> Project C.csproj (type 0) [0]\n"
+                "< [3]\n");
 }
 
 // Without the logger, console lines are counted as they come until the tab-indented

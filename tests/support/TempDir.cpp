@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <random>
 #include <sstream>
 #include <stdexcept>
 #include <vector>
@@ -13,11 +14,20 @@ namespace qvtest {
 namespace fs = std::filesystem;
 
 TempDir::TempDir() {
+#ifdef _WIN32
+  std::random_device random;
+  for (int attempt = 0; attempt < 100 && FPath.empty(); ++attempt) {
+    fs::path candidate = fs::temp_directory_path() / ("qvtest." + std::to_string(random()));
+    if (fs::create_directory(candidate)) FPath = candidate.string();
+  }
+  if (FPath.empty()) throw std::runtime_error("cannot create a temporary folder");
+#else
   std::string tmpl = (fs::temp_directory_path() / "qvtest.XXXXXX").string();
   std::vector<char> buf(tmpl.begin(), tmpl.end());
   buf.push_back('\0');
   if (!mkdtemp(buf.data())) throw std::runtime_error("mkdtemp failed");
   FPath = buf.data();
+#endif
 }
 
 TempDir::~TempDir() {
@@ -40,6 +50,17 @@ std::string TempDir::Write(std::string_view name, std::string_view bytes) const 
   out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
   if (!out) throw std::runtime_error("cannot write " + path);
   return path;
+}
+
+std::string NativePath(std::string_view posixPath) {
+  std::string r(posixPath);
+#ifdef _WIN32
+  if (r.empty() || r[0] != '/') return r;
+  for (char& c : r)
+    if (c == '/') c = '\\';
+  r = fs::current_path().string().substr(0, 2) + r;
+#endif
+  return r;
 }
 
 std::string TempDir::Read(const std::string& path) {

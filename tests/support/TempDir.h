@@ -26,4 +26,8 @@ class TempDir {
   std::string FPath;
 };
 
+// A "/"-rooted path as this platform writes it: unchanged on POSIX; on Windows on the current
+// drive with backslashes ("/src/a.cs" is "C:\\src\\a.cs"). Other texts come back unchanged.
+std::string NativePath(std::string_view posixPath);
+
 }  // namespace qvtest
