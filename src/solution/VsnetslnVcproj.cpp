@@ -1,5 +1,6 @@
 #include "VsnetslnVcproj.h"
 
+#include <libxml/encoding.h>
 #include <libxml/parser.h>
 #include <libxml/tree.h>
 
@@ -46,6 +47,45 @@ void CaptureError(void* data, xmlError* e) {
   first->Set = true;
 }
 
+// Windows-1252, the encoding Visual Studio declares in its project files, for a libxml2
+// built without iconv (the Windows build): bytes 0x80-0x9F by the code page's table (the
+// five it leaves out stay the C1 controls they would be in Latin-1), the rest as Latin-1.
+int Windows1252ToUtf8(unsigned char* out, int* outLength, const unsigned char* in,
+                      int* inLength) {
+  static const char16_t kHigh[32] = {
+      0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
+      0x2039, 0x0152, 0x008D, 0x017D, 0x008F, 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
+      0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
+  int read = 0, written = 0;
+  for (; read < *inLength; ++read) {
+    unsigned c = in[read];
+    if (c >= 0x80 && c < 0xA0) c = kHigh[c - 0x80];
+    int need = c < 0x80 ? 1 : c < 0x800 ? 2 : 3;
+    if (written + need > *outLength) break;
+    if (need == 1) {
+      out[written++] = static_cast<unsigned char>(c);
+    } else if (need == 2) {
+      out[written++] = static_cast<unsigned char>(0xC0 | (c >> 6));
+      out[written++] = static_cast<unsigned char>(0x80 | (c & 0x3F));
+    } else {
+      out[written++] = static_cast<unsigned char>(0xE0 | (c >> 12));
+      out[written++] = static_cast<unsigned char>(0x80 | ((c >> 6) & 0x3F));
+      out[written++] = static_cast<unsigned char>(0x80 | (c & 0x3F));
+    }
+  }
+  *inLength = read;
+  *outLength = written;
+  return written;
+}
+
+void InitialiseParser() {
+  xmlInitParser();
+  if (xmlCharEncodingHandler* h = xmlFindCharEncodingHandler("Windows-1252"))
+    xmlCharEncCloseFunc(h);
+  else
+    xmlNewCharEncodingHandler("WINDOWS-1252", Windows1252ToUtf8, nullptr);
+}
+
 [[noreturn]] void Fail(const std::string& reason, int line, const std::string& path) {
   throw Exception("Error parsing project file : " + reason + " (line " + std::to_string(line) +
                   " of " + path + ")");
@@ -54,7 +94,7 @@ void CaptureError(void* data, xmlError* e) {
 }  // namespace
 
 std::vector<std::string> ReadVcprojResourceScripts(std::string_view text, const std::string& path) {
-  static const bool initialised = (xmlInitParser(), true);
+  static const bool initialised = (InitialiseParser(), true);
   (void)initialised;
   std::unique_ptr<xmlParserCtxt, CtxtFree> ctxt(xmlNewParserCtxt());
   if (!ctxt) throw Exception("Error parsing project file : out of memory (" + path + ")");

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "QvPlatform.h"
 #include "Qvvsdotnetoptions.h"
 #include "support/FakeDotNetInfo.h"
 #include "support/RecordingActionContext.h"
@@ -14,6 +15,7 @@ using qvtest::RecordingActionContext;
 namespace {
 
 const std::string kExamples = QV_EXAMPLES_DIR;
+const std::string kDelim(1, platform::PathDelim);
 
 // Validation errors as "section|message|edit?" lines.
 class ValidationSink : public TInterfacedObject, public IQvActionValidationError {
@@ -110,17 +112,16 @@ TEST_F(BuildAction, DescriptionAndInspectorLists) {
 TEST_F(BuildAction, ValidationReportsEveryProblem) {
   qvtest::TempDir dir;
   a->SetPropValue("VStudioVersion", "vs2003");  // UseMSBuild stays on but devenv builds
-  EXPECT_EQ(
-      Validate(),
-      (std::vector<std::string>{
-          "Solution file|A solution file has not been set",
-          "VisualStudio.NET Options|Visual Studio installation not found : /devenv.com|options"}));
+  EXPECT_EQ(Validate(), (std::vector<std::string>{
+                            "Solution file|A solution file has not been set",
+                            "VisualStudio.NET Options|Visual Studio installation not found : " +
+                                kDelim + "devenv.com|options"}));
 
   a->SetPropValue("Solution", "x.sln");
   options->SetDevEnv2003Location(dir.Path());
   EXPECT_EQ(Validate(), std::vector<std::string>{
                             "VisualStudio.NET Options|Visual Studio installation not found : " +
-                            dir.Path() + "/devenv.com|options"});
+                            dir.File("devenv.com") + "|options"});
   dir.Write("devenv.com", "");
   EXPECT_TRUE(Validate().empty());
 
@@ -129,13 +130,13 @@ TEST_F(BuildAction, ValidationReportsEveryProblem) {
       Validate(),
       std::vector<std::string>{
           ".NET Framework Settings|The selected version of the .NET Framework was not found."});
-  dotnet.Folders["v3.5"] = dir.Path() + "/fx35";
+  dotnet.Folders["v3.5"] = dir.File("fx35");
   EXPECT_EQ(Validate(), std::vector<std::string>{"MSBuild Not Found|Executable not found : " +
-                                                 dir.Path() + "/fx35/MSBuild.exe|options"});
+                                                 dir.File("fx35/MSBuild.exe") + "|options"});
   dir.Write("fx35/MSBuild.exe", "");
   EXPECT_TRUE(Validate().empty());
-  EXPECT_EQ(a->GetExecutable(true), dir.Path() + "/fx35/MSBuild.exe");
-  EXPECT_EQ(a->GetExecutable(false), "/devenv.com") << "no 2008 folder configured";
+  EXPECT_EQ(a->GetExecutable(true), dir.File("fx35/MSBuild.exe"));
+  EXPECT_EQ(a->GetExecutable(false), kDelim + "devenv.com") << "no 2008 folder configured";
 }
 
 TEST_F(BuildAction, UsingMSBuildNeedsVs2005OrLater) {

@@ -2,6 +2,7 @@
 
 #include <filesystem>
 
+#include "QvPlatform.h"
 #include "QvUtils.h"
 #include "Qvvsdotnetaction.h"
 #include "Qvvsdotnetoptions.h"
@@ -16,6 +17,7 @@ using qvtest::RecordingActionContext;
 
 namespace {
 
+const std::string kDelim(1, platform::PathDelim);
 const std::string kA = "{AAAAAAAA-0000-0000-0000-000000000001}";
 const std::string kB = "{BBBBBBBB-0000-0000-0000-000000000002}";
 const std::string kC = "{CCCCCCCC-0000-0000-0000-000000000003}";
@@ -37,8 +39,8 @@ struct BuildFixture {
     std::filesystem::copy(QV_FIXTURES_DIR "/build-app", dir.Path(),
                           std::filesystem::copy_options::recursive);
     RegisterOptions();
-    VSDotNetOptions()->SetDevEnv2003Location(dir.Path() + "/VS71/");
-    dotnet.Folders["*"] = dir.Path() + "/fx";
+    VSDotNetOptions()->SetDevEnv2003Location(dir.File("VS71/"));
+    dotnet.Folders["*"] = dir.File("fx");
     action = std::make_unique<TQvVSDotNetAction>();
     action->BindContext(ctx);
     Set({{"Solution", sln},
@@ -52,7 +54,7 @@ struct BuildFixture {
     for (const auto& [name, value] : properties)
       Set(name, value);
   }
-  std::string SlnDir() const { return dir.Path() + "/src/"; }
+  std::string SlnDir() const { return dir.File("src/"); }
   std::vector<std::string> Params() const {
     std::vector<std::string> r;
     for (const auto& run : runs)
@@ -95,7 +97,7 @@ TEST_F(DevEnvCommandLine, SolutionAndProjectBuilds) {
                           "/out build.log /useenv /build \"Release|Any CPU\" \"" + sln + "\"",
                           "/build \"Release|Any CPU\"/project \"B\\B.csproj\" \"" + sln + "\""}));
   EXPECT_EQ(action->GetPropValue("SelectedProjects"), kB + "\r\n");
-  EXPECT_EQ(runs[0].exe, dir.Path() + "/VS71/devenv.com");
+  EXPECT_EQ(runs[0].exe, dir.File("VS71/devenv.com"));
   EXPECT_EQ(runs[0].dir, SlnDir());
 }
 
@@ -124,7 +126,8 @@ TEST_F(MSBuildCommandLine, PropertiesInOrderAndQuoted) {
             "DefineConstants=EXTRA%3BDEBUG%3BTRACE;Optimize=False;AllowUnsafeBlocks=False;"
             "WarningLevel=4;TreatWarningsAsErrors=False;WarningsAsErrors=1591%3B0618;"
             "TargetFramework=\"v3.5\";ReferencePath=\"C:\\Refs%3BD:\\My Refs\";useenv=1;"
-            "OutDir=/out/;SignAssembly=true;KeyFile=a%3Bb.snk;EmptyOne= /v:minimal /m:2");
+            "OutDir=/out" +
+                kDelim + ";SignAssembly=true;KeyFile=a%3Bb.snk;EmptyOne= /v:minimal /m:2");
   EXPECT_EQ(ctx->Transcript().substr(0, 107),
             "> MSBuild Properties (type 2) [0]\n  [0] Configuration=Debug\n  [0] Platform=\"Any "
             "CPU\"\n  [0] DefineConstants=");
@@ -249,7 +252,7 @@ TEST_F(Execute, SelectedProjectsBuildInDependencyOrder) {
             "/t:Build /p:Configuration=Release;Platform=\"Any CPU\" /v:normal \"C\\C.csproj\"");
   EXPECT_EQ(runs[1].params,
             "/t:Build /p:Configuration=Release;Platform=\"Any CPU\" /v:normal \"A\\A.csproj\"");
-  EXPECT_EQ(runs[0].exe, dir.Path() + "/fx/MSBuild.exe");
+  EXPECT_EQ(runs[0].exe, dir.File("fx/MSBuild.exe"));
   EXPECT_EQ(ctx->Messages()[0], "[0] Processing Project : C");
   EXPECT_EQ(ctx->Messages()[1],
             "[0] Building project configuration \"Release|Any CPU\" for solution configuration "
@@ -318,12 +321,12 @@ TEST_F(Execute, EveryProjectOneByOneStopsAtTheFirstFailure) {
 
 TEST_F(Execute, SetupProjectsFallBackToDevEnv) {
   Set({{"BuildType", "btSelectedProjects"}, {"SelectedProjects", kS}});
-  VSDotNetOptions()->SetDevEnv2005Location(dir.Path() + "/VS71");
+  VSDotNetOptions()->SetDevEnv2005Location(dir.File("VS71"));
   ASSERT_TRUE(action->Execute());
   EXPECT_EQ(ctx->Messages()[0],
             "[2] Warning : Setup project Setup cannot be built with MSBuild. This project will be "
             "built with VisualStudio instead.");
-  EXPECT_EQ(runs[0].exe, dir.Path() + "/VS71/devenv.com");
+  EXPECT_EQ(runs[0].exe, dir.File("VS71/devenv.com"));
   EXPECT_EQ(runs[0].params,
             "/build \"Release|Any CPU\"/project \"Setup\\Setup.vdproj\" \"" + sln + "\"");
 }
@@ -355,9 +358,9 @@ TEST_F(Execute, RunResults) {
 }
 
 TEST_F(Execute, FailuresBeforeTheBuild) {
-  Set("Solution", dir.Path() + "/missing.sln");
+  Set("Solution", dir.File("missing.sln"));
   EXPECT_EQ(FailureOf([&] { action->Execute(); }),
-            "Solution File \"" + dir.Path() + "/missing.sln\" does not exist");
+            "Solution File \"" + dir.File("missing.sln") + "\" does not exist");
   Set("Solution", dir.Write("bad.sln", "nonsense\r\n"));
   EXPECT_EQ(FailureOf([&] { action->Execute(); }),
             "Error Parsing Solution File : Invalid Visual Studio Solution Header : nonsense");
@@ -375,7 +378,8 @@ TEST_F(Execute, FailuresBeforeTheBuild) {
   EXPECT_FALSE(action->Execute());
   EXPECT_EQ(Errors().back(), ".NET Framework not found.");
   Set({{"VStudioVersion", "vs2008"}, {"UseMSBuild", "False"}});
-  EXPECT_EQ(FailureOf([&] { action->Execute(); }), "Executable not found : /devenv.com");
+  EXPECT_EQ(FailureOf([&] { action->Execute(); }),
+            "Executable not found : " + kDelim + "devenv.com");
   Set("SolutionConfiguration", "%Nope%");
   EXPECT_FALSE(action->Execute());
   EXPECT_TRUE(runs.empty());

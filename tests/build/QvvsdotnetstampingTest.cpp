@@ -22,12 +22,12 @@ class Stamping : public testing::Test {
   IntfPtr<qvtest::RecordingActionContext> ctx = qvtest::RecordingActionContext::Create();
   TQvVSDotNetAction a;
   IntfPtr<IVSDotNetSolution> solution;
-  std::string script = dir.Path() + "/OrderNative/other.rc";
+  std::string script = dir.File("OrderNative/other.rc");
   Stamping() {
     std::filesystem::copy(QV_EXAMPLES_DIR "/vs2005", dir.Path(),
                           std::filesystem::copy_options::recursive);
     a.BindContext(ctx);
-    solution = OpenSolution(dir.Path() + "/OrderDesk.sln", false);
+    solution = OpenSolution(dir.File("OrderDesk.sln"), false);
   }
 };
 

@@ -58,7 +58,8 @@ TEST_F(Iterator, LogsAndYieldsEveryProjectInDependencyOrder) {
                                  "{FEC81343-06EF-4620-8FFC-D490A5EAEEB8}"}));
   // Full paths against the solution's folder; a web project's address as the expansion
   // leaves it.
-  EXPECT_EQ(Values()[1], QV_EXAMPLES_DIR "/vs2005/Orders.Core/Orders.Core.csproj");
+  EXPECT_EQ(Values()[1],
+            qvtest::NativePath(QV_EXAMPLES_DIR "/vs2005/Orders.Core/Orders.Core.csproj"));
   const std::pair<const char*, std::string> values[] = {
       {"svName", "Orders.Core"},
       {"svRelativePath", "Orders.Core\\Orders.Core.csproj"},

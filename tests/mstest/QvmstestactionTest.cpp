@@ -23,7 +23,7 @@ class MSTest : public testing::Test {
   MSTest() {
     RegisterOptions();
     options = VSDotNetOptions();
-    options->SetDevEnv2008Location(dir.Path() + "/VS9/");
+    options->SetDevEnv2008Location(dir.File("VS9/"));
     dir.Write("VS9/MSTest.exe", "");
     options->SetDefaultVSVersion(3);
     a = std::make_unique<TQvMSTestAction>();
@@ -59,7 +59,7 @@ TEST_F(MSTest, DefaultsAndIdentity) {
                 a->GetPropValue("BuildFlavor"),
             "pbAutoAny CPUQuorvex");
   EXPECT_EQ(a->GetFormattedDescription(), "Run MSTest [ C:\\Build\\Greeting.Tests.dll ]");
-  EXPECT_EQ(a->GetExecutable(), dir.Path() + "/VS9/MSTest.exe");
+  EXPECT_EQ(a->GetExecutable(), dir.File("VS9/MSTest.exe"));
   EXPECT_EQ(a->GetStartingDir(), "C:\\Build\\");
 }
 
@@ -139,17 +139,17 @@ TEST_F(MSTest, TeamBuildVariablesAndMetrics) {
 TEST_F(MSTest, ValidationReportsOneProblemPerPair) {
   EXPECT_TRUE(Validation().empty());
   a->SetPropValue("AssemblyFileName", "");
-  options->SetDevEnv2008Location(dir.Path() + "/Elsewhere");
-  EXPECT_EQ(
-      Validation(),
-      (std::vector<std::string>{
-          "VisualStudio.NET Options|MSTest.exe not found in Visual Studio.NET 2008 directory.|options",
-          "Assembly Filename|Assembly Filename is blank"}));
+  options->SetDevEnv2008Location(dir.File("Elsewhere"));
+  EXPECT_EQ(Validation(),
+            (std::vector<std::string>{"VisualStudio.NET Options|MSTest.exe not found in Visual "
+                                      "Studio.NET 2008 directory.|options",
+                                      "Assembly Filename|Assembly Filename is blank"}));
   options->SetDevEnv2008Location("");
   a->SetPropValue("UseMetadataFile", "True");
-  EXPECT_EQ(Validation(), (std::vector<std::string>{
-                              "VisualStudio.NET Options|Path to Visual Studio.NET 2008 not set|options",
-                              "Metadata File|A metadata file must be specified."}));
+  EXPECT_EQ(Validation(),
+            (std::vector<std::string>{
+                "VisualStudio.NET Options|Path to Visual Studio.NET 2008 not set|options",
+                "Metadata File|A metadata file must be specified."}));
   a->SetPropValue("MetadataFile", "x.vsmdi");
   a->SetPropValue("UseStandaloneMSTest", "True");
   EXPECT_EQ(Validation(),

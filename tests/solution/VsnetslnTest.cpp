@@ -267,9 +267,12 @@ TEST_F(ProjectFiles, ProjectsAndScriptsAreFoundInAnyLetterCase) {
   dir.Write("app/Other.RC", "1 VERSIONINFO\r\n");
   auto app = Open(Header() + kAppVcproj + kEmptyGlobal)->GetProjects()->GetItem(0);
   ASSERT_TRUE(app);
-  EXPECT_EQ(app->GetResourceFiles()->Strings(),
-            (std::vector<std::string>{dir.File("app/Res/APP.rc"), dir.File("app/Other.RC")}));
-  EXPECT_EQ(app->GetVersionInfoFile(), dir.File("app/Other.RC"));
+  std::vector<std::string> found;
+  for (const std::string& script : *app->GetResourceFiles())
+    found.push_back(qvtest::FileKey(script));
+  EXPECT_EQ(found, (std::vector<std::string>{qvtest::FileKey(dir.File("app/Res/APP.rc")),
+                                             qvtest::FileKey(dir.File("app/Other.RC"))}));
+  EXPECT_EQ(qvtest::FileKey(app->GetVersionInfoFile()), qvtest::FileKey(dir.File("app/Other.RC")));
 }
 
 TEST_F(ProjectFiles, UnreadableScriptsAreSkippedAndOtherRootsContributeNothing) {

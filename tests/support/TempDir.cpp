@@ -1,5 +1,6 @@
 #include "TempDir.h"
 
+#include <cctype>
 #include <filesystem>
 #include <fstream>
 #include <random>
@@ -40,7 +41,14 @@ TempDir::~TempDir() {
 }
 
 std::string TempDir::File(std::string_view name) const {
+#ifdef _WIN32
+  std::string native(name);
+  for (char& c : native)
+    if (c == '/') c = '\\';
+  return FPath + "\\" + native;
+#else
   return FPath + "/" + std::string(name);
+#endif
 }
 
 std::string TempDir::Write(std::string_view name, std::string_view bytes) const {
@@ -61,6 +69,14 @@ std::string NativePath(std::string_view posixPath) {
   r = fs::current_path().string().substr(0, 2) + r;
 #endif
   return r;
+}
+
+std::string FileKey(std::string path) {
+#ifdef _WIN32
+  for (char& c : path)
+    c = c == '\\' ? '/' : static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+#endif
+  return path;
 }
 
 std::string TempDir::Read(const std::string& path) {

@@ -15,7 +15,7 @@ class TempDir {
 
   // The folder, without a trailing separator.
   const std::string& Path() const { return FPath; }
-  // Path of `name` inside the folder ("/"-separated names create no folders).
+  // Path of `name` ("/"-separated) inside the folder, with this platform's separators.
   std::string File(std::string_view name) const;
   // Writes `bytes` to `name` (creating parent folders) and returns its path.
   std::string Write(std::string_view name, std::string_view bytes) const;
@@ -29,5 +29,10 @@ class TempDir {
 // A "/"-rooted path as this platform writes it: unchanged on POSIX; on Windows on the current
 // drive with backslashes ("/src/a.cs" is "C:\\src\\a.cs"). Other texts come back unchanged.
 std::string NativePath(std::string_view posixPath);
+
+// The form that every spelling of one file's path shares on this platform: unchanged on POSIX;
+// on Windows, whose file systems answer for letter case themselves (so paths keep the
+// spelling the project files use), lower case with "/" separators.
+std::string FileKey(std::string path);
 
 }  // namespace qvtest
