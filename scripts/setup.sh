@@ -12,6 +12,7 @@ packages=(
   clang-14 libclang-rt-14-dev
   apache2
   qt6-base-dev
+  g++-mingw-w64-x86-64-posix wine wine64 dpkg-dev curl googletest
 )
 
 missing=()
