@@ -1,5 +1,5 @@
+// The host's platform services on Windows, through the wide API (names are UTF-8 here).
 #include <io.h>
-#include <windows.h>
 
 #include <cstdio>
 #include <cstdlib>
@@ -8,18 +8,22 @@
 #include "QvExceptions.h"
 #include "QvPlatform.h"
 #include "QvSysUtils.h"
+#include "QvWin32.h"
 
 namespace qvhost::platform {
 
+using qv::win32::Utf8;
+using qv::win32::Wide;
+
 std::string UserConfigFolder() {
-  const char* appData = std::getenv("APPDATA");
-  return qv::ExcludeTrailingPathDelimiter(appData ? appData : ".") + "\\Quorvex";
+  const wchar_t* appData = _wgetenv(L"APPDATA");
+  return qv::ExcludeTrailingPathDelimiter(appData ? Utf8(appData) : ".") + "\\Quorvex";
 }
 
 std::string FindProgram(const std::string& name) {
-  char found[MAX_PATH];
-  DWORD n = SearchPathA(nullptr, name.c_str(), ".exe", MAX_PATH, found, nullptr);
-  return n > 0 && n < MAX_PATH ? std::string(found, n) : std::string();
+  wchar_t found[MAX_PATH];
+  DWORD n = SearchPathW(nullptr, Wide(name).c_str(), L".exe", MAX_PATH, found, nullptr);
+  return n > 0 && n < MAX_PATH ? Utf8(std::wstring_view(found, n)) : std::string();
 }
 
 bool StdoutIsTerminal() {
@@ -28,14 +32,14 @@ bool StdoutIsTerminal() {
 
 namespace {
 [[noreturn]] void Fail(const std::string& path, const char* what) {
-  throw qv::Exception(std::string("Cannot ") + what + " \"" + path + "\" : error " +
-                      std::to_string(GetLastError()));
+  throw qv::Exception(std::string("Cannot ") + what + " \"" + path +
+                      "\" : " + qv::win32::PortableErrorText(GetLastError()));
 }
 
 void MakeFolders(const std::string& folder) {
   if (folder.empty() || qv::platform::DirectoryExists(folder)) return;
   MakeFolders(qv::ExtractFileDir(folder));
-  if (!CreateDirectoryA(folder.c_str(), nullptr) && GetLastError() != ERROR_ALREADY_EXISTS)
+  if (!CreateDirectoryW(Wide(folder).c_str(), nullptr) && GetLastError() != ERROR_ALREADY_EXISTS)
     Fail(folder, "create folder");
 }
 }  // namespace
@@ -46,8 +50,8 @@ std::string ReadOrCreatePrivateFile(const std::string& path,
   std::string data, error;
   if (qv::platform::ReadWholeFile(path, data, error)) return data;
   MakeFolders(qv::ExtractFileDir(path));
-  HANDLE h = CreateFileA(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL,
-                         nullptr);
+  HANDLE h = CreateFileW(Wide(path).c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW,
+                         FILE_ATTRIBUTE_NORMAL, nullptr);
   if (h == INVALID_HANDLE_VALUE) {
     if (GetLastError() == ERROR_FILE_EXISTS && qv::platform::ReadWholeFile(path, data, error))
       return data;
@@ -59,7 +63,7 @@ std::string ReadOrCreatePrivateFile(const std::string& path,
             written == content.size();
   CloseHandle(h);
   if (!ok) {
-    DeleteFileA(path.c_str());
+    DeleteFileW(Wide(path).c_str());
     Fail(path, "write");
   }
   return content;

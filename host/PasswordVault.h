@@ -8,6 +8,8 @@ namespace qvhost {
 
 // Seals passwords with libsodium's secretbox (XSalsa20-Poly1305, a random nonce each time)
 // under a 32-byte key read from, or on first use created in, a file only the user can read.
+// On Windows the system's data protection seals them under the user's own key instead, and
+// the key file is not used (PasswordVault-posix.cpp, PasswordVault-win32.cpp).
 class TPasswordVault {
  public:
   // Encrypted texts start with this, so that they are recognised in a project file.

@@ -1,25 +1,22 @@
-#include <windows.h>
-
+// Child processes on Windows: CreateProcessW with redirected pipes and no console window, in a
+// job object that ends with qvhost (so nothing it started outlives it) and that a terminate
+// request stops as a whole.
 #include <string>
 
 #include "ProcessRunner.h"
 #include "QvExceptions.h"
+#include "QvWin32.h"
 
 namespace qvhost {
 
 namespace {
 
+using qv::win32::THandle;
+
 constexpr DWORD kPollMs = 50;
 
-struct THandle {
-  HANDLE H = nullptr;
-  ~THandle() {
-    if (H && H != INVALID_HANDLE_VALUE) CloseHandle(H);
-  }
-};
-
-[[noreturn]] void CannotRun(const std::string& exe) {
-  throw qv::Exception("Cannot run \"" + exe + "\" : error " + std::to_string(GetLastError()));
+[[noreturn]] void CannotRun(const std::string& exe, DWORD error) {
+  throw qv::Exception("Cannot run \"" + exe + "\" : " + qv::win32::PortableErrorText(error));
 }
 
 // Reads whatever the pipe holds now, without blocking.
@@ -33,6 +30,16 @@ void Drain(HANDLE pipe, bool stdErr, THostProcess& self,
   }
 }
 
+// A job whose processes all end when its last handle closes (qvhost's, when qvhost ends).
+HANDLE NewJob() {
+  HANDLE job = CreateJobObjectW(nullptr, nullptr);
+  if (!job) return nullptr;
+  JOBOBJECT_EXTENDED_LIMIT_INFORMATION limits{};
+  limits.BasicLimitInformation.LimitFlags = JOB_OBJECT_LIMIT_KILL_ON_JOB_CLOSE;
+  SetInformationJobObject(job, JobObjectExtendedLimitInformation, &limits, sizeof limits);
+  return job;
+}
+
 }  // namespace
 
 // The child runs in a job object, so that stopping it stops everything it started; its output
@@ -41,45 +48,46 @@ int THostProcess::Run() {
   FExitCode = 0;
   FCleanExit = false;
   SECURITY_ATTRIBUTES inherit{sizeof(SECURITY_ATTRIBUTES), nullptr, TRUE};
-  THandle outRead, outWrite, errRead, errWrite, nul, job;
-  if (!CreatePipe(&outRead.H, &outWrite.H, &inherit, 0) ||
-      !CreatePipe(&errRead.H, &errWrite.H, &inherit, 0))
-    CannotRun(FExecutable);
-  SetHandleInformation(outRead.H, HANDLE_FLAG_INHERIT, 0);
-  SetHandleInformation(errRead.H, HANDLE_FLAG_INHERIT, 0);
-  nul.H = CreateFileA("NUL", GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
-                      &inherit, OPEN_EXISTING, 0, nullptr);
+  HANDLE h[4] = {};
+  if (!CreatePipe(&h[0], &h[1], &inherit, 0) || !CreatePipe(&h[2], &h[3], &inherit, 0))
+    CannotRun(FExecutable, GetLastError());
+  THandle outRead(h[0]), outWrite(h[1]), errRead(h[2]), errWrite(h[3]);
+  SetHandleInformation(outRead.Get(), HANDLE_FLAG_INHERIT, 0);
+  SetHandleInformation(errRead.Get(), HANDLE_FLAG_INHERIT, 0);
+  THandle nul(CreateFileW(L"NUL", GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                          &inherit, OPEN_EXISTING, 0, nullptr));
 
-  STARTUPINFOA si{};
+  STARTUPINFOW si{};
   si.cb = sizeof si;
   si.dwFlags = STARTF_USESTDHANDLES | STARTF_USESHOWWINDOW;
   si.wShowWindow = FHideWindow ? SW_HIDE : SW_SHOWNORMAL;
-  si.hStdInput = nul.H;
-  si.hStdOutput = FCapture ? outWrite.H : nul.H;
-  si.hStdError = FCapture ? errWrite.H : nul.H;
-  std::string cmd = qv::QuoteCommandLineArg(FExecutable) + " " + FParameters;
+  si.hStdInput = nul.Get();
+  si.hStdOutput = FCapture ? outWrite.Get() : nul.Get();
+  si.hStdError = FCapture ? errWrite.Get() : nul.Get();
+  std::wstring exe = qv::win32::Wide(FExecutable);
+  std::wstring cmd = qv::win32::Wide(qv::QuoteCommandLineArg(FExecutable) + " " + FParameters);
+  std::wstring dir = qv::win32::Wide(FStartingDir);
   PROCESS_INFORMATION pi{};
-  DWORD flags = CREATE_SUSPENDED | CREATE_NEW_PROCESS_GROUP | (FHideWindow ? CREATE_NO_WINDOW : 0);
-  if (!CreateProcessA(FExecutable.c_str(), cmd.data(), nullptr, nullptr, TRUE, flags, nullptr,
-                      FStartingDir.empty() ? nullptr : FStartingDir.c_str(), &si, &pi))
-    CannotRun(FExecutable);
-  THandle process{pi.hProcess}, thread{pi.hThread};
-  job.H = CreateJobObjectA(nullptr, nullptr);
-  AssignProcessToJobObject(job.H, pi.hProcess);
+  DWORD flags = CREATE_SUSPENDED | CREATE_NEW_PROCESS_GROUP | CREATE_UNICODE_ENVIRONMENT |
+                (FHideWindow ? CREATE_NO_WINDOW : 0);
+  if (!CreateProcessW(exe.c_str(), cmd.data(), nullptr, nullptr, TRUE, flags, nullptr,
+                      dir.empty() ? nullptr : dir.c_str(), &si, &pi))
+    CannotRun(FExecutable, GetLastError());
+  THandle process(pi.hProcess), thread(pi.hThread), job(NewJob());
+  AssignProcessToJobObject(job.Get(), pi.hProcess);
   ResumeThread(pi.hThread);
-  CloseHandle(outWrite.H);
-  CloseHandle(errWrite.H);
-  outWrite.H = errWrite.H = nullptr;
+  outWrite.Reset();
+  errWrite.Reset();
 
   auto deliver = [](THostProcess& self, bool stdErr, std::string_view chunk) {
     self.Deliver(stdErr, chunk);
   };
   for (;;) {
     bool running = WaitForSingleObject(pi.hProcess, kPollMs) == WAIT_TIMEOUT;
-    Drain(outRead.H, false, *this, deliver);
-    Drain(errRead.H, true, *this, deliver);
+    Drain(outRead.Get(), false, *this, deliver);
+    Drain(errRead.Get(), true, *this, deliver);
     if (TerminateRequested()) {
-      TerminateJobObject(job.H, qv::kTerminatedExitCode);
+      TerminateJobObject(job.Get(), qv::kTerminatedExitCode);
       WaitForSingleObject(pi.hProcess, INFINITE);
       FlushTails();
       FExitCode = qv::kTerminatedExitCode;

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Builds the third-party libraries of the Windows build with MinGW-w64, from Debian's source
 # packages of the versions the Linux build uses (unpacked with dpkg-source, so Debian's
-# patches apply), into build-windows/deps. Passwords are kept with the Windows API's per-user
+# patches apply), into build-windows/deps, with CLI11's headers. Passwords are kept with the Windows API's per-user
 # protection there, so libsodium is not needed. Each library is built once; a stamp file names
 # the version, so a changed version is rebuilt. GoogleTest comes from Debian's googletest
 # package, which installs its sources under /usr/src/googletest.
@@ -89,6 +89,14 @@ fi
 if ! built googletest 1.12.1; then
   cmake_build googletest /usr/src/googletest -Dgtest_disable_pthreads=OFF
   stamp googletest 1.12.1
+fi
+
+# CLI11 is headers only: those of Debian's libcli11-dev serve every platform.
+if ! built cli11 "$(dpkg-query -W -f='${Version}' libcli11-dev)"; then
+  mkdir -p "$prefix/include" "$prefix/share/cmake"
+  cp -r /usr/include/CLI "$prefix/include/"
+  cp -r /usr/share/cmake/CLI11 "$prefix/share/cmake/"
+  stamp cli11 "$(dpkg-query -W -f='${Version}' libcli11-dev)"
 fi
 
 echo "windows-deps: libraries in $prefix"

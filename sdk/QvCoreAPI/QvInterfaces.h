@@ -7,6 +7,12 @@
 #include <string_view>
 #include <utility>
 
+// Windows headers define S_OK and E_NOINTERFACE as macros; this header sets them aside.
+#pragma push_macro("S_OK")
+#pragma push_macro("E_NOINTERFACE")
+#undef S_OK
+#undef E_NOINTERFACE
+
 namespace qv {
 
 // A 128-bit interface or class identifier, written "{XXXXXXXX-XXXX-XXXX-XXXX-XXXXXXXXXXXX}".
@@ -64,14 +70,7 @@ consteval TGUID MakeGUID(const char (&s)[N]) {
 }
 
 // Result codes of QueryInterface.
-// (Windows headers define both names as macros; they are set aside here.)
-#pragma push_macro("S_OK")
-#pragma push_macro("E_NOINTERFACE")
-#undef S_OK
-#undef E_NOINTERFACE
 enum class HResult : int32_t { S_OK = 0, E_NOINTERFACE = static_cast<int32_t>(0x80004002) };
-#pragma pop_macro("E_NOINTERFACE")
-#pragma pop_macro("S_OK")
 
 // The root of every interface. Interfaces derive from it virtually so that one object
 // carries a single reference count however many interfaces it implements.
@@ -190,3 +189,6 @@ IntfPtr<I> MakeIntf(Args&&... args) {
 }
 
 }  // namespace qv
+
+#pragma pop_macro("E_NOINTERFACE")
+#pragma pop_macro("S_OK")

@@ -13,33 +13,8 @@
 namespace qv::platform {
 
 namespace {
-// The errno that matches a system error, so that messages read as on other platforms.
-int ErrnoOf(DWORD error) {
-  switch (error) {
-    case ERROR_FILE_NOT_FOUND:
-    case ERROR_PATH_NOT_FOUND:
-    case ERROR_INVALID_NAME:
-    case ERROR_BAD_NETPATH:
-      return ENOENT;
-    case ERROR_ACCESS_DENIED:
-    case ERROR_SHARING_VIOLATION:
-    case ERROR_LOCK_VIOLATION:
-      return EACCES;
-    case ERROR_DISK_FULL:
-    case ERROR_HANDLE_DISK_FULL:
-      return ENOSPC;
-    case ERROR_FILE_EXISTS:
-    case ERROR_ALREADY_EXISTS:
-      return EEXIST;
-    case ERROR_DIRECTORY:
-      return EISDIR;
-    default:
-      return EIO;
-  }
-}
-
 std::string SystemMessage(DWORD error) {
-  return std::strerror(ErrnoOf(error));
+  return win32::PortableErrorText(error);
 }
 
 DWORD Attributes(const std::string& path) {

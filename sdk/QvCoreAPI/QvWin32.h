@@ -11,6 +11,8 @@
 #endif
 #include <windows.h>
 
+#include <cerrno>
+#include <cstring>
 #include <string>
 #include <string_view>
 
@@ -45,6 +47,39 @@ inline std::string ErrorText(DWORD error) {
   while (!r.empty() && (r.back() == '\n' || r.back() == '\r' || r.back() == ' '))
     r.pop_back();
   return r;
+}
+
+// The errno that matches a system error, so that messages read as on other platforms.
+inline int ErrnoOf(DWORD error) {
+  switch (error) {
+    case ERROR_FILE_NOT_FOUND:
+    case ERROR_PATH_NOT_FOUND:
+    case ERROR_INVALID_NAME:
+    case ERROR_BAD_NETPATH:
+    case ERROR_MOD_NOT_FOUND:
+      return ENOENT;
+    case ERROR_ACCESS_DENIED:
+    case ERROR_SHARING_VIOLATION:
+    case ERROR_LOCK_VIOLATION:
+      return EACCES;
+    case ERROR_DISK_FULL:
+    case ERROR_HANDLE_DISK_FULL:
+      return ENOSPC;
+    case ERROR_FILE_EXISTS:
+    case ERROR_ALREADY_EXISTS:
+      return EEXIST;
+    case ERROR_DIRECTORY:
+      return EISDIR;
+    case ERROR_BAD_EXE_FORMAT:
+      return ENOEXEC;
+    default:
+      return EIO;
+  }
+}
+
+// The text other platforms give for `error` ("No such file or directory").
+inline std::string PortableErrorText(DWORD error) {
+  return std::strerror(ErrnoOf(error));
 }
 
 // A handle closed when it goes; invalid handles of either kind count as none.

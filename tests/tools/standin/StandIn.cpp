@@ -11,9 +11,17 @@
 //   runN.wait        when present, the call writes runN.started with its process id (and,
 //                    when the file says "child", starts a child process whose id goes to
 //                    runN.child) and then waits up to a minute to be terminated.
+// Built for Windows too, where the child is the stand-in itself, started to wait.
+#ifdef _WIN32
+#include <direct.h>
+#include <fcntl.h>
+#include <io.h>
+#include <windows.h>
+#else
 #include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
+#endif
 
 #include <cstdio>
 #include <cstdlib>
@@ -65,15 +73,56 @@ int CountLines(const std::string& path) {
 void WriteAll(int fd, const std::string& data) {
   size_t done = 0;
   while (done < data.size()) {
+#ifdef _WIN32
+    _setmode(fd, _O_BINARY);  // the transcript's bytes, without CR added before LF
+    int n = _write(fd, data.data() + done, static_cast<unsigned>(data.size() - done));
+#else
     ssize_t n = write(fd, data.data() + done, data.size() - done);
+#endif
     if (n <= 0) return;
     done += static_cast<size_t>(n);
   }
 }
 
+void SleepTenths(int tenths) {
+#ifdef _WIN32
+  Sleep(100 * static_cast<DWORD>(tenths));
+#else
+  for (int i = 0; i < tenths; ++i)
+    usleep(100000);
+#endif
+}
+
+// Starts a child that waits a minute; its process id, or -1.
+long StartWaitingChild(const char* self) {
+#ifdef _WIN32
+  std::string cmd = std::string("\"") + self + "\" --wait-a-minute";
+  STARTUPINFOA si{};
+  si.cb = sizeof si;
+  PROCESS_INFORMATION pi{};
+  if (!CreateProcessA(nullptr, cmd.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &si, &pi))
+    return -1;
+  CloseHandle(pi.hThread);
+  CloseHandle(pi.hProcess);
+  return static_cast<long>(pi.dwProcessId);
+#else
+  (void)self;
+  pid_t child = fork();
+  if (child == 0) {
+    execlp("sleep", "sleep", "60", static_cast<char*>(nullptr));
+    _exit(127);
+  }
+  return child;
+#endif
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
+  if (argc == 2 && std::string(argv[1]) == "--wait-a-minute") {
+    SleepTenths(600);
+    return 0;
+  }
   const char* dirEnv = std::getenv("QV_STANDIN_DIR");
   if (!dirEnv) {
     std::fprintf(stderr, "stand-in: QV_STANDIN_DIR is not set\n");
@@ -84,11 +133,15 @@ int main(int argc, char** argv) {
   int run = CountLines(calls) + 1;
 
   char cwd[4096] = {};
+#ifdef _WIN32
+  if (!_getcwd(cwd, sizeof cwd - 1)) cwd[0] = '?';
+#else
   if (!getcwd(cwd, sizeof cwd - 1)) cwd[0] = '?';
+#endif
   std::string line = Escape(cwd);
   for (int i = 1; i < argc; ++i)
     line += "\t" + Escape(argv[i]);
-  std::ofstream(calls, std::ios::app) << line << "\n";
+  std::ofstream(calls, std::ios::app | std::ios::binary) << line << "\n";
 
   std::string text;
   if (ReadRunFile(dir, run, ".out", text)) WriteAll(1, text);
@@ -97,16 +150,16 @@ int main(int argc, char** argv) {
   std::string wait;
   if (ReadRunFile(dir, run, ".wait", wait)) {
     if (wait.find("child") != std::string::npos) {
-      pid_t child = fork();
-      if (child == 0) {
-        execlp("sleep", "sleep", "60", static_cast<char*>(nullptr));
-        _exit(127);
-      }
+      long child = StartWaitingChild(argv[0]);
       std::ofstream(dir + "/run" + std::to_string(run) + ".child") << child << "\n";
     }
-    std::ofstream(dir + "/run" + std::to_string(run) + ".started") << getpid() << "\n";
-    for (int i = 0; i < 600; ++i)
-      usleep(100000);
+#ifdef _WIN32
+    long self = static_cast<long>(GetCurrentProcessId());
+#else
+    long self = static_cast<long>(getpid());
+#endif
+    std::ofstream(dir + "/run" + std::to_string(run) + ".started") << self << "\n";
+    SleepTenths(600);
   }
 
   std::string exitText;

@@ -1,0 +1,99 @@
+// The process runner with real Windows children: the devenv stand-in built as a Windows
+// program, replaying output, and a tree of stand-ins that a terminate request must end.
+#include <windows.h>
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <filesystem>
+#include <thread>
+
+#include "ProcessRunner.h"
+#include "support/TempDir.h"
+
+using qvtest::TempDir;
+
+namespace {
+
+struct Output : qv::IQvProcessOutputHandler {
+  std::vector<std::string> Out, Err;
+  void OnStdOutData(qv::IQvProcess*, std::string_view chunk) override { Out.emplace_back(chunk); }
+  void OnStdErrData(qv::IQvProcess*, std::string_view chunk) override { Err.emplace_back(chunk); }
+};
+
+// A stand-in steered through its own folder (QV_STANDIN_DIR), run through the runner.
+struct StandIn : testing::Test {
+  TempDir dir;
+  Output output;
+  qv::TAutoResetEvent terminate;
+  qv::IntfPtr<qv::IQvProcess> process = qvhost::NewHostProcess();
+
+  StandIn() {
+    SetEnvironmentVariableA("QV_STANDIN_DIR", dir.Path().c_str());
+    process->SetExecutable(QV_DEVENV_STANDIN);
+    process->SetCaptureOutput(true);
+    process->SetHideWindow(true);
+    process->SetStartingDir(dir.Path());
+    process->SetOutputHandler(&output);
+    process->SetTerminateEvent(&terminate);
+  }
+};
+
+bool Running(DWORD pid) {
+  HANDLE h = OpenProcess(SYNCHRONIZE, FALSE, pid);
+  if (!h) return false;
+  bool running = WaitForSingleObject(h, 3000) == WAIT_TIMEOUT;
+  CloseHandle(h);
+  return running;
+}
+
+TEST_F(StandIn, ReplaysOutputWholeWithItsArgumentsAndExitCode) {
+  dir.Write("run1.out", "Build started\r\nBuild: 1 succeeded, 0 failed\r\nlast");
+  dir.Write("run1.err", "warning\n");
+  dir.Write("run1.exit", "3");
+  process->SetParameters("/build \"Release|Any CPU\" \"C:\\My Src\\App.sln\"");
+  EXPECT_EQ(process->Run(), 3);
+  EXPECT_TRUE(process->GetCleanExit());
+  std::string out;
+  for (const auto& chunk : output.Out)
+    out += chunk;
+  EXPECT_EQ(out, "Build started\r\nBuild: 1 succeeded, 0 failed\r\nlast");
+  EXPECT_EQ(output.Err, std::vector<std::string>{"warning\n"});
+  // The C runtime's splitting gives the three arguments; the stand-in ran in its folder (its
+  // record doubles backslashes).
+  std::string folder = dir.Path();
+  for (size_t i = folder.find('\\'); i != std::string::npos; i = folder.find('\\', i + 2))
+    folder.insert(i, 1, '\\');
+  EXPECT_EQ(TempDir::Read(dir.File("calls.txt")),
+            folder + "\t/build\tRelease|Any CPU\tC:\\\\My Src\\\\App.sln\n");
+}
+
+TEST_F(StandIn, TerminateEndsTheChildAndWhatItStarted) {
+  dir.Write("run1.wait", "child");
+  std::thread stopper([&] {
+    for (int i = 0; i < 300 && !std::filesystem::exists(dir.File("run1.started")); ++i)
+      std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    terminate.Signal();
+  });
+  auto start = std::chrono::steady_clock::now();
+  EXPECT_EQ(process->Run(), qv::kTerminatedExitCode);
+  stopper.join();
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20));
+  DWORD standIn = std::stoul(TempDir::Read(dir.File("run1.started")));
+  DWORD child = std::stoul(TempDir::Read(dir.File("run1.child")));
+  EXPECT_FALSE(Running(standIn));
+  EXPECT_FALSE(Running(child)) << "the stand-in's own child is left";
+}
+
+TEST_F(StandIn, AProgramThatDoesNotExistIsNamed) {
+  process->SetExecutable(dir.File("missing.exe"));
+  try {
+    process->Run();
+    ADD_FAILURE() << "ran a missing program";
+  } catch (const std::exception& e) {
+    EXPECT_EQ(std::string(e.what()),
+              "Cannot run \"" + dir.File("missing.exe") + "\" : No such file or directory");
+  }
+}
+
+}  // namespace
