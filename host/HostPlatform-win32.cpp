@@ -26,8 +26,14 @@ std::string FindProgram(const std::string& name) {
   return n > 0 && n < MAX_PATH ? Utf8(std::wstring_view(found, n)) : std::string();
 }
 
+// A console shows the log's colours once it interprets escape sequences (Windows 10 and
+// later); one that cannot gets the plain log.
 bool StdoutIsTerminal() {
-  return _isatty(_fileno(stdout)) != 0;
+  if (_isatty(_fileno(stdout)) == 0) return false;
+  HANDLE console = GetStdHandle(STD_OUTPUT_HANDLE);
+  DWORD mode = 0;
+  return GetConsoleMode(console, &mode) &&
+         SetConsoleMode(console, mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING);
 }
 
 namespace {

@@ -16,7 +16,8 @@ std::string UserConfigFolder();
 // otherwise the first match along PATH; empty when there is none.
 std::string FindProgram(const std::string& name);
 
-// True when standard output is an interactive terminal.
+// True when standard output is an interactive terminal (on Windows, a console that takes the
+// log's colour sequences, which this switches on).
 bool StdoutIsTerminal();
 
 // Reads the whole file at `path`. When it does not exist, creates it (and its folder) readable

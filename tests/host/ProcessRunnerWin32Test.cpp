@@ -1,5 +1,6 @@
 // The process runner with real Windows children: the devenv stand-in built as a Windows
-// program, replaying output, and a tree of stand-ins that a terminate request must end.
+// program, replaying output, and a tree of stand-ins that a terminate request must end, also
+// when qvhost itself is killed in the middle of a build.
 #include <windows.h>
 
 #include <gtest/gtest.h>
@@ -9,6 +10,7 @@
 #include <thread>
 
 #include "ProcessRunner.h"
+#include "QvWin32.h"
 #include "support/TempDir.h"
 
 using qvtest::TempDir;
@@ -94,6 +96,35 @@ TEST_F(StandIn, AProgramThatDoesNotExistIsNamed) {
     EXPECT_EQ(std::string(e.what()),
               "Cannot run \"" + dir.File("missing.exe") + "\" : No such file or directory");
   }
+}
+
+TEST_F(StandIn, AKilledQvhostLeavesNoBuildProcessBehind) {
+  dir.Write("run1.wait", "child");
+  std::string standIn = QV_DEVENV_STANDIN;
+  dir.Write("options.xml",
+            "<QvOptions><Section key=\"VisualStudioDotNet\"><Value name=\"MSDevPath2003\" "
+            "type=\"string\">" +
+                qvtest::NativePath(standIn.substr(0, standIn.rfind('/') + 1)) +
+                "</Value></Section></QvOptions>");
+  std::wstring cmd = qv::win32::Wide(
+      "\"" + qvtest::NativePath(QV_QVHOST) + "\" --no-default-packages --package \"" +
+      qvtest::NativePath(QV_PACKAGE_MODULE) + "\" --options \"" + dir.File("options.xml") +
+      "\" exec TQvVSDotNetAction \"Solution=" +
+      qvtest::NativePath(QV_EXAMPLES_DIR "/vs2003/Billing.sln") + "\" VStudioVersion=vs2003");
+  STARTUPINFOW si{};
+  si.cb = sizeof si;
+  PROCESS_INFORMATION pi{};
+  ASSERT_TRUE(CreateProcessW(nullptr, cmd.data(), nullptr, nullptr, FALSE, CREATE_NO_WINDOW,
+                             nullptr, nullptr, &si, &pi));
+  for (int i = 0; i < 400 && !std::filesystem::exists(dir.File("run1.started")); ++i)
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+  ASSERT_TRUE(std::filesystem::exists(dir.File("run1.started"))) << "the build never started";
+  TerminateProcess(pi.hProcess, 1);
+  WaitForSingleObject(pi.hProcess, 10000);
+  CloseHandle(pi.hProcess);
+  CloseHandle(pi.hThread);
+  EXPECT_FALSE(Running(std::stoul(TempDir::Read(dir.File("run1.started")))));
+  EXPECT_FALSE(Running(std::stoul(TempDir::Read(dir.File("run1.child")))));
 }
 
 }  // namespace

@@ -70,3 +70,28 @@ TEST(RegistryReadString, WithoutAReaderNothingIsFound) {
 }
 
 }  // namespace
+
+#ifdef _WIN32
+// The system's registry, written by reg.exe as an installer would (names outside ASCII too).
+TEST(NativeRegistry, ReadsStringValuesRegWrote) {
+  const wchar_t* key = L"HKLM\\SOFTWARE\\QuorvexTest\\9.0";
+  _wsystem((std::wstring(L"reg delete ") + key + L" /f >NUL 2>NUL").c_str());
+  ASSERT_EQ(_wsystem((std::wstring(L"reg add ") + key +
+                      L" /v InstallDir /t REG_SZ /d \"D:\\Prüfung\\IDE\" /f >NUL")
+                         .c_str()),
+            0);
+  ASSERT_EQ(
+      _wsystem((std::wstring(L"reg add ") + key + L" /v Flags /t REG_DWORD /d 3 /f >NUL").c_str()),
+      0);
+  auto reg = NewNativeRegistryReader();
+  auto read = [&](const std::string& k, const std::string& name) {
+    std::string v;
+    return reg->ReadString(TRegistryRoot::LocalMachine, k, name, v) ? v : "(not found)";
+  };
+  EXPECT_EQ(read("SOFTWARE\\QuorvexTest\\9.0", "InstallDir"), "D:\\Prüfung\\IDE");
+  EXPECT_EQ(read("software\\quorvextest\\9.0", "installdir"), "D:\\Prüfung\\IDE");
+  EXPECT_EQ(read("SOFTWARE\\QuorvexTest\\9.0", "Flags"), "(not found)") << "not a string";
+  EXPECT_EQ(read("SOFTWARE\\QuorvexTest\\8.0", "InstallDir"), "(not found)");
+  _wsystem((std::wstring(L"reg delete ") + key + L" /f >NUL 2>NUL").c_str());
+}
+#endif
