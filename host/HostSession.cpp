@@ -4,6 +4,7 @@
 #include <ostream>
 
 #include "Catalog.h"
+#include "ComAutomation.h"
 #include "ProcessRunner.h"
 #include "QvExceptions.h"
 #include "QvPlatform.h"
@@ -58,13 +59,19 @@ void THostSession::InstallRegistry(const THostSettings& settings) {
   qv::QvRegistry = FRegistry.get();
 }
 
-// Without an export every IIS moniker binds to nothing.
+// IIS monikers bind in an export when one is given; otherwise through the system's COM where
+// it has one (Windows), and to nothing elsewhere.
 void THostSession::InstallMetabase(const THostSettings& settings) {
   std::string file = settings.MetabaseFile;
   if (file.empty())
     if (const char* env = std::getenv("QV_METABASE")) file = env;
-  if (!file.empty()) FMetabase = TMetabase::LoadFromFile(file);
-  qv::QvAutomationServices = FMetabase.get();
+  if (!file.empty()) {
+    FMetabase = TMetabase::LoadFromFile(file);
+    qv::QvAutomationServices = FMetabase.get();
+  } else {
+    FComAutomation = NewComAutomation();
+    qv::QvAutomationServices = FComAutomation.get();
+  }
 }
 
 std::vector<std::string> THostSession::PackageFiles(const THostSettings& settings) const {

@@ -115,6 +115,7 @@ class THostSession {
   std::unique_ptr<qv::IQvRegistryReader> FRegistry;
   THostDotNetInfo FDotNet;
   std::unique_ptr<TMetabase> FMetabase;
+  std::shared_ptr<qv::IQvAutomationServices> FComAutomation;  // Windows, without an export
   TCurlWebDav FWebDav;
   std::unique_ptr<TOptionsStore> FStore;
   // Destroyed in reverse: the runner's actions and the options objects go while their

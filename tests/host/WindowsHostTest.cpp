@@ -1,4 +1,4 @@
-// The process runner with real Windows children: the devenv stand-in built as a Windows
+// The host on Windows. The process runner with real Windows children: the devenv stand-in built as a Windows
 // program, replaying output, and a tree of stand-ins that a terminate request must end, also
 // when qvhost itself is killed in the middle of a build.
 #include <windows.h>
@@ -9,8 +9,11 @@
 #include <filesystem>
 #include <thread>
 
+#include "ComAutomation.h"
 #include "ProcessRunner.h"
+#include "QvExceptions.h"
 #include "QvWin32.h"
+#include "support/ErrorOf.h"
 #include "support/TempDir.h"
 
 using qvtest::TempDir;
@@ -125,6 +128,17 @@ TEST_F(StandIn, AKilledQvhostLeavesNoBuildProcessBehind) {
   CloseHandle(pi.hThread);
   EXPECT_FALSE(Running(std::stoul(TempDir::Read(dir.File("run1.started")))));
   EXPECT_FALSE(Running(std::stoul(TempDir::Read(dir.File("run1.child")))));
+}
+
+// COM monikers bind for real: Windows Management Instrumentation answers everywhere (Wine
+// too, though Wine reads no property through it); IIS only where it is installed.
+TEST(ComAutomation, BindsMonikersThroughTheSystem) {
+  auto com = qvhost::NewComAutomation();
+  auto services = com->CoGetObject("winmgmts:root\\cimv2");
+  ASSERT_TRUE(services);
+  EXPECT_EQ(qvtest::ErrorOf([&] { services->GetProperty("Path"); }),
+            "The object has no property \"Path\"");
+  EXPECT_FALSE(com->CoGetObject("IIS://localhost/W3SVC/999/ROOT")) << "no IIS here";
 }
 
 }  // namespace
