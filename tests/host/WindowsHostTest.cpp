@@ -1,6 +1,6 @@
-// The host on Windows. The process runner with real Windows children: the devenv stand-in built as a Windows
-// program, replaying output, and a tree of stand-ins that a terminate request must end, also
-// when qvhost itself is killed in the middle of a build.
+// The host on Windows: the process runner with real Windows children (the devenv stand-in
+// built as a Windows program, replaying output, and a tree of stand-ins that a terminate
+// request must end, also when qvhost itself is killed in the middle of a build), and COM.
 #include <windows.h>
 
 #include <gtest/gtest.h>
