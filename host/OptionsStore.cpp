@@ -127,7 +127,7 @@ void TOptionsStore::Flush() {
   FDoc.save(out, "  ", pugi::format_default, pugi::encoding_utf8);
   std::string folder = qv::ExtractFileDir(FFileName);
   std::error_code ec;
-  if (!folder.empty()) std::filesystem::create_directories(folder, ec);
+  if (!folder.empty()) std::filesystem::create_directories(qv::platform::FsPath(folder), ec);
   qv::platform::AtomicWriteFile(FFileName, out.str());
   FChanged = false;
 }

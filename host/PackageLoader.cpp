@@ -4,6 +4,7 @@
 #include <filesystem>
 
 #include "QvExceptions.h"
+#include "QvPlatform.h"
 #include "QvSysUtils.h"
 
 namespace qvhost {
@@ -13,11 +14,11 @@ namespace fs = std::filesystem;
 std::vector<std::string> FindPackageFiles(const std::string& folder) {
   std::vector<std::string> files;
   std::error_code ec;
-  for (auto it = fs::directory_iterator(folder, ec); !ec && it != fs::directory_iterator();
-       it.increment(ec)) {
-    std::string name = it->path().filename().string();
+  for (auto it = fs::directory_iterator(qv::platform::FsPath(folder), ec);
+       !ec && it != fs::directory_iterator(); it.increment(ec)) {
+    std::string name = qv::platform::Utf8Path(it->path().filename());
     if (qv::SameText(qv::ExtractFileExt(name), ".qvp") && it->is_regular_file(ec))
-      files.push_back(it->path().string());
+      files.push_back(qv::platform::Utf8Path(it->path()));
   }
   std::sort(files.begin(), files.end());
   return files;
@@ -33,7 +34,8 @@ TPackageLoader::~TPackageLoader() {
 void TPackageLoader::Load(const std::vector<std::string>& files, bool designTime) {
   for (const auto& file : files) {
     std::error_code ec;
-    std::string canonical = fs::weakly_canonical(fs::path(file), ec).string();
+    std::string canonical =
+        qv::platform::Utf8Path(fs::weakly_canonical(qv::platform::FsPath(file), ec));
     if (ec) canonical = file;
     if (std::find(FLoadedPaths.begin(), FLoadedPaths.end(), canonical) != FLoadedPaths.end())
       continue;

@@ -8,6 +8,7 @@
 #include <mutex>
 
 #include "QvInterfaces.h"
+#include "QvPlatform.h"
 #include "QvSysUtils.h"
 
 namespace qvhost {
@@ -115,7 +116,7 @@ bool TCurlSession::Perform(CURL* curl, std::string& error) {
 bool TCurlSession::DownloadFile(const std::string& localFile, const std::string& remotePath,
                                 std::string& error) {
   std::string partial = localFile + ".part";
-  TFilePtr out(std::fopen(partial.c_str(), "wb"));
+  TFilePtr out(qv::platform::OpenFile(partial, "wb"));
   if (!out) {
     error = "Cannot create \"" + partial + "\"";
     return false;
@@ -128,17 +129,18 @@ bool TCurlSession::DownloadFile(const std::string& localFile, const std::string&
     ok = false;
   }
   std::error_code ec;
-  if (ok) std::filesystem::rename(partial, localFile, ec);
+  if (ok)
+    std::filesystem::rename(qv::platform::FsPath(partial), qv::platform::FsPath(localFile), ec);
   if (ec) error = "Cannot replace \"" + localFile + "\": " + ec.message();
-  if (!ok || ec) std::filesystem::remove(partial, ec);
+  if (!ok || ec) std::filesystem::remove(qv::platform::FsPath(partial), ec);
   return ok && !ec;
 }
 
 bool TCurlSession::UploadFile(const std::string& localFile, const std::string& remoteDir,
                               std::string& error) {
-  TFilePtr in(std::fopen(localFile.c_str(), "rb"));
+  TFilePtr in(qv::platform::OpenFile(localFile, "rb"));
   std::error_code ec;
-  auto size = std::filesystem::file_size(localFile, ec);
+  auto size = std::filesystem::file_size(qv::platform::FsPath(localFile), ec);
   if (!in || ec) {
     error = "Cannot read \"" + localFile + "\"";
     return false;

@@ -27,14 +27,15 @@ std::unordered_map<std::string, TFolderListing> Cache;
 // (a file created or renamed in it). Null when the folder cannot be listed.
 const TFolderListing* Listing(const std::string& folder) {
   std::error_code ec;
-  auto changed = std::filesystem::last_write_time(folder, ec);
-  if (ec || !std::filesystem::is_directory(folder, ec)) return nullptr;
+  std::filesystem::path native = platform::FsPath(folder);
+  auto changed = std::filesystem::last_write_time(native, ec);
+  if (ec || !std::filesystem::is_directory(native, ec)) return nullptr;
   auto it = Cache.find(folder);
   if (it != Cache.end() && it->second.Changed == changed) return &it->second;
   TFolderListing listing;
   listing.Changed = changed;
-  for (const auto& entry : std::filesystem::directory_iterator(folder, ec)) {
-    std::string name = entry.path().filename().string();
+  for (const auto& entry : std::filesystem::directory_iterator(native, ec)) {
+    std::string name = platform::Utf8Path(entry.path().filename());
     auto [pos, added] = listing.Folded.emplace(LowerCase(name), name);
     if (!added) pos->second.clear();
     listing.Exact.insert(std::move(name));
@@ -54,7 +55,7 @@ std::string MatchInFolder(const std::string& folder, const std::string& name) {
 
 bool Exists(const std::string& path) {
   std::error_code ec;
-  return std::filesystem::exists(path, ec);
+  return std::filesystem::exists(platform::FsPath(path), ec);
 }
 }  // namespace
 
@@ -87,7 +88,7 @@ bool FileExistsAnyCase(const std::string& path) {
 
 std::string ResolveExistingFile(const std::string& path) {
   std::error_code ec;
-  auto status = std::filesystem::status(path, ec);
+  auto status = std::filesystem::status(platform::FsPath(path), ec);
   if (std::filesystem::exists(status))
     return std::filesystem::is_regular_file(status) ? path : std::string();
   std::string resolved = ResolvePathCase(path);

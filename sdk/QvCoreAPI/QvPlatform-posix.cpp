@@ -15,6 +15,18 @@
 
 namespace qv::platform {
 
+std::filesystem::path FsPath(std::string_view path) {
+  return std::filesystem::path(path);
+}
+
+std::string Utf8Path(const std::filesystem::path& path) {
+  return path.string();
+}
+
+std::FILE* OpenFile(const std::string& path, const char* mode) {
+  return std::fopen(path.c_str(), mode);
+}
+
 std::string ExecutablePath() {
   std::vector<char> buf(PATH_MAX);
   for (;;) {

@@ -22,6 +22,18 @@ DWORD Attributes(const std::string& path) {
 }
 }  // namespace
 
+std::filesystem::path FsPath(std::string_view path) {
+  return std::filesystem::path(win32::Wide(path));
+}
+
+std::string Utf8Path(const std::filesystem::path& path) {
+  return win32::Utf8(path.native());
+}
+
+std::FILE* OpenFile(const std::string& path, const char* mode) {
+  return _wfopen(win32::Wide(path).c_str(), win32::Wide(mode).c_str());
+}
+
 std::string ExecutablePath() {
   std::vector<wchar_t> buf(MAX_PATH);
   for (;;) {

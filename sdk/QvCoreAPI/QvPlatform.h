@@ -2,7 +2,9 @@
 // (QvPlatform-posix.cpp, QvPlatform-win32.cpp); nothing else in the SDK tests the platform.
 #pragma once
 
+#include <cstdio>
 #include <ctime>
+#include <filesystem>
 #include <string>
 #include <string_view>
 
@@ -14,6 +16,13 @@ inline constexpr char PathDelim = '\\';
 #else
 inline constexpr char PathDelim = '/';
 #endif
+
+// `path` (UTF-8, as every path in the SDK) as a std::filesystem path, and back. On Windows
+// through UTF-16, so that names outside the ANSI code page survive; unchanged elsewhere.
+std::filesystem::path FsPath(std::string_view path);
+std::string Utf8Path(const std::filesystem::path& path);
+// std::fopen for a UTF-8 path.
+std::FILE* OpenFile(const std::string& path, const char* mode);
 
 // Full path of the running executable.
 std::string ExecutablePath();

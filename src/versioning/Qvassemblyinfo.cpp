@@ -146,15 +146,15 @@ void TQvAssemblyInfoUpdater::ProcessWebDAVFile(const std::string& reference) {
   FWeb.PutFileUsingWebDAV(local, remoteDir);
   // The local copy (and its backup) served only this transfer.
   std::error_code ec;
-  std::filesystem::remove(local, ec);
-  std::filesystem::remove(local + ".bak", ec);
+  std::filesystem::remove(platform::FsPath(local), ec);
+  std::filesystem::remove(platform::FsPath(local + ".bak"), ec);
 }
 
 void TQvAssemblyInfoUpdater::ProcessFile(const std::string& path) {
   FAction.SendMessage("Processing AssemblyInfo File : " + path);
   std::string backup = path + ".bak";
   std::error_code ec;
-  if (!std::filesystem::remove(backup, ec) && ec)
+  if (!std::filesystem::remove(platform::FsPath(backup), ec) && ec)
     throw Exception("Unable to delete file \"" + backup + "\" : " + ec.message());
   TStringList lines;
   lines.LoadFromFile(path);

@@ -5,6 +5,7 @@
 
 #include "QvAutomation.h"
 #include "QvExceptions.h"
+#include "QvPlatform.h"
 #include "QvSysUtils.h"
 #include "QvUtils.h"
 
@@ -113,7 +114,7 @@ std::string GetFileUsingWebDAV(TQvWebDavClient& client, const std::string& remot
                                const std::string& fileName) {
   std::string localFile = IncludeTrailingPathDelimiter(GetTempFolder()) + fileName;
   std::error_code ignored;
-  std::filesystem::remove(localFile, ignored);
+  std::filesystem::remove(platform::FsPath(localFile), ignored);
   std::string remote = "/" + remoteDir + "/" + fileName;
   if (!client.DownloadFile(localFile, remote))
     throw Exception(CrLines({"Error retrieving file with WebDAV: " + client.LastError(),

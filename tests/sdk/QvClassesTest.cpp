@@ -9,6 +9,7 @@
 #include <filesystem>
 
 #include "QvExceptions.h"
+#include "QvPaths.h"
 #include "support/ErrorOf.h"
 #include "support/TempDir.h"
 
@@ -204,6 +205,17 @@ TEST(TStringListFile, FailedSaveLeavesTheOriginalUntouched) {
       << "no temporary file is left behind";
 }
 #endif
+
+TEST(TStringListFile, NamesOutsideAscii) {
+  TempDir dir;
+  std::string path = dir.Write("Prüfung/Ünïcode.rc", "a\r\n");
+  TStringList l;
+  l.LoadFromFile(path);
+  l.Add("b");
+  l.SaveToFile(path);
+  EXPECT_EQ(TempDir::Read(path), "a\r\nb\r\n");
+  EXPECT_EQ(ResolveExistingFile(path), path);
+}
 
 TEST(TStringListFile, ASaveRemovesWhatAKilledSaveOfTheSameFileLeft) {
   TempDir dir;

@@ -8,6 +8,8 @@
 #include <stdexcept>
 #include <vector>
 
+#include "QvPlatform.h"
+
 #include <stdlib.h>
 
 namespace qvtest {
@@ -53,8 +55,8 @@ std::string TempDir::File(std::string_view name) const {
 
 std::string TempDir::Write(std::string_view name, std::string_view bytes) const {
   std::string path = File(name);
-  fs::create_directories(fs::path(path).parent_path());
-  std::ofstream out(path, std::ios::binary | std::ios::trunc);
+  fs::create_directories(qv::platform::FsPath(path).parent_path());
+  std::ofstream out(qv::platform::FsPath(path), std::ios::binary | std::ios::trunc);
   out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
   if (!out) throw std::runtime_error("cannot write " + path);
   return path;
@@ -80,7 +82,7 @@ std::string FileKey(std::string path) {
 }
 
 std::string TempDir::Read(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
+  std::ifstream in(qv::platform::FsPath(path), std::ios::binary);
   if (!in) throw std::runtime_error("cannot read " + path);
   std::ostringstream ss;
   ss << in.rdbuf();
