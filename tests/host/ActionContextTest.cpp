@@ -126,6 +126,9 @@ TYPED_TEST(ActionContextContract, AnEndWithoutAnOpenGroupIsIgnored) {
 
 // A line cut between reads, and a CR LF split between them, reach the handler whole.
 TYPED_TEST(ActionContextContract, ProcessOutputArrivesInWholeLines) {
+#ifdef _WIN32
+  if (std::is_same_v<TypeParam, HostSide>) GTEST_SKIP() << "the writer is a POSIX shell";
+#endif
   auto& s = this->side;
   Chunks chunks;
   auto p = s.Writer({"a.cs(3,7): err", "or CS0103: x\r", "\nnext\nla", "st"});

@@ -88,7 +88,8 @@ TEST(Diagnostics, RelativeFilesResolveAgainstTheToolsFolderWhenTheyExist) {
     auto d = ReadDiagnostic(line, dir.Path(), "Build", "App");
     return d ? d->File + "|" + d->Tool + "|" + d->Project : "-";
   };
-  EXPECT_EQ(read("src\\main.cpp(3): error C1: t"), dir.File("src/Main.cpp") + "||App");
+  EXPECT_EQ(qvtest::FileKey(read("src\\main.cpp(3): error C1: t")),
+            qvtest::FileKey(dir.File("src/Main.cpp") + "||App"));
   EXPECT_EQ(read("src/Gone.cpp(3): error C1: t"), "src/Gone.cpp||App");
   EXPECT_EQ(read("LINK : error LNK1: t [/p/B.vcxproj]"), "|LINK|/p/B.vcxproj");
   EXPECT_EQ(read("compiling..."), "-");
