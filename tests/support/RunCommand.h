@@ -1,5 +1,6 @@
 // Runs a command line through the shell and captures what it printed and its exit status;
-// watches other processes end.
+// watches other processes end. On Windows the command line is a program and its arguments
+// (no shell), and the output's CR LF line ends come back as LF.
 #pragma once
 
 #include <string>

@@ -2,6 +2,7 @@
 
 #include <filesystem>
 
+#include "QvUtils.h"
 #include "support/RunCommand.h"
 #include "support/TempDir.h"
 
@@ -11,7 +12,7 @@ using qvtest::TempDir;
 
 namespace {
 
-const std::string kQvsln = QV_QVSLN;
+const std::string kQvsln = ShellQuote(qvtest::NativePath(QV_QVSLN));
 
 // Two projects where the first depends on the second through a global section only, one
 // of them a Visual C++ project with a version script.
@@ -31,18 +32,18 @@ TEST(Qvsln, JsonDescribesTheModelExactly) {
   auto r = RunCommand(kQvsln + " --json " + ShellQuote(f.sln));
   ASSERT_EQ(r.exitCode, 0) << r.err;
   EXPECT_EQ(r.out,
-            "{\"fileName\":\"" + f.sln +
-                "\",\"version\":\"vs2003\",\"configurations\":[\"Debug\"],\"projects\":["
+            "{\"fileName\":" + qv::JsonString(f.sln) +
+                ",\"version\":\"vs2003\",\"configurations\":[\"Debug\"],\"projects\":["
                 "{\"name\":\"Native\",\"fileName\":\"Native\\\\Native.vcproj\","
                 "\"projectTypeGUID\":\"{8BC9CEB8-8B4A-11D0-8D11-00A0C983F5F7}\","
                 "\"projectGUID\":\"{11111111-1111-1111-1111-111111111111}\",\"isVCProject\":true,"
                 "\"dependencies\":[\"{22222222-2222-2222-2222-222222222222}\"],"
-                "\"resourceFiles\":[\"" +
-                f.dir.File("Native/Native.rc") +
-                "\"],"
-                "\"versionInfoFile\":\"" +
-                f.dir.File("Native/Native.rc") +
-                "\","
+                "\"resourceFiles\":[" +
+                qv::JsonString(f.dir.File("Native/Native.rc")) +
+                "],"
+                "\"versionInfoFile\":" +
+                qv::JsonString(f.dir.File("Native/Native.rc")) +
+                ","
                 "\"configurations\":[]},"
                 "{\"name\":\"Lib\",\"fileName\":\"Lib\\\\Lib.csproj\","
                 "\"projectTypeGUID\":\"{FAE04EC0-301F-11D3-BF4B-00C04F79EFBC}\","
