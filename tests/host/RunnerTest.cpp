@@ -1,7 +1,5 @@
 #include "Runner.h"
 
-#include <unistd.h>
-
 #include <filesystem>
 
 #include <gtest/gtest.h>
@@ -32,7 +30,7 @@ std::string Replace(std::string text, const std::string& from, const std::string
 TEST(TRunner, SavesDynamicPropertiesAndPropertySetsBackInPlace) {
   TempDir dir;
   std::string file = dir.Write("nightly.qvproj", kCounterProject);
-  ASSERT_EQ(link(file.c_str(), dir.File("before").c_str()), 0);
+  std::filesystem::create_hard_link(file, dir.File("before"));
   {
     TestHost host(dir);
     EXPECT_EQ(host.Session->RunProject(file), qvhost::kExitSuccess);
