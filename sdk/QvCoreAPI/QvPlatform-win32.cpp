@@ -13,10 +13,6 @@
 namespace qv::platform {
 
 namespace {
-std::string SystemMessage(DWORD error) {
-  return win32::PortableErrorText(error);
-}
-
 DWORD Attributes(const std::string& path) {
   return path.empty() ? INVALID_FILE_ATTRIBUTES : GetFileAttributesW(win32::Wide(path).c_str());
 }
@@ -112,7 +108,7 @@ bool ReadWholeFile(const std::string& path, std::string& out, std::string& error
     DWORD e = GetLastError();
     // Opening a folder is refused as access denied; say what it is.
     error = e == ERROR_ACCESS_DENIED && DirectoryExists(path) ? std::strerror(EISDIR)
-                                                              : SystemMessage(e);
+                                                              : win32::PortableErrorText(e);
     return false;
   }
   std::string data;
@@ -123,7 +119,7 @@ bool ReadWholeFile(const std::string& path, std::string& out, std::string& error
   for (;;) {
     DWORD n = 0;
     if (!ReadFile(file.Get(), buf, sizeof buf, &n, nullptr)) {
-      error = SystemMessage(GetLastError());
+      error = win32::PortableErrorText(GetLastError());
       return false;
     }
     if (n == 0) break;
@@ -135,7 +131,7 @@ bool ReadWholeFile(const std::string& path, std::string& out, std::string& error
 
 namespace {
 [[noreturn]] void WriteFailed(const std::string& path, DWORD error) {
-  throw Exception("Unable to write file \"" + path + "\" : " + SystemMessage(error));
+  throw Exception("Unable to write file \"" + path + "\" : " + win32::PortableErrorText(error));
 }
 
 // Temporary files that a killed save of the same file left behind (".NAME.qvtmp.XXXXXX").
