@@ -56,8 +56,8 @@ std::string MSBuildLauncherFolder(const std::string& hostFolder, TMSBuildEngine 
     return qv::platform::FileExists(folder + "/MSBuild.exe") ? folder : std::string();
   };
   auto installed = [](const char* variable, const char* program) {
-    const char* named = std::getenv(variable);
-    return !platform::FindProgram(named && *named ? named : program).empty();
+    std::string named = qv::platform::GetEnv(variable).value_or("");
+    return !platform::FindProgram(named.empty() ? program : named).empty();
   };
   switch (engine) {
     case TMSBuildEngine::DotNet:

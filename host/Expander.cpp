@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdlib>
 
+#include "QvPlatform.h"
 #include "QvSysUtils.h"
 #include "QvUtils.h"
 
@@ -11,9 +12,7 @@ namespace qvhost {
 TExpander::TExpander(TEnvironment environment) : FEnvironment(std::move(environment)) {}
 
 std::optional<std::string> TExpander::SystemEnvironment(const std::string& name) {
-  const char* value = std::getenv(name.c_str());
-  if (!value) return std::nullopt;
-  return std::string(value);
+  return qv::platform::GetEnv(name);
 }
 
 void TExpander::Set(TVariables& vars, const std::string& name, const std::string& value) {

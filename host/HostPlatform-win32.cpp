@@ -16,8 +16,8 @@ using qv::win32::Utf8;
 using qv::win32::Wide;
 
 std::string UserConfigFolder() {
-  const wchar_t* appData = _wgetenv(L"APPDATA");
-  return qv::ExcludeTrailingPathDelimiter(appData ? Utf8(appData) : ".") + "\\Quorvex";
+  return qv::ExcludeTrailingPathDelimiter(qv::platform::GetEnv("APPDATA").value_or(".")) +
+         "\\Quorvex";
 }
 
 std::string FindProgram(const std::string& name) {

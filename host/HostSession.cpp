@@ -51,7 +51,7 @@ THostSession::~THostSession() = default;
 void THostSession::InstallRegistry(const THostSettings& settings) {
   std::string file = settings.RegistryFile;
   if (file.empty())
-    if (const char* env = std::getenv("QV_REGISTRY")) file = env;
+    if (auto env = qv::platform::GetEnv("QV_REGISTRY")) file = *env;
   if (!file.empty())
     FRegistry = qv::TRegFileRegistry::LoadFromFile(file);
   else
@@ -64,7 +64,7 @@ void THostSession::InstallRegistry(const THostSettings& settings) {
 void THostSession::InstallMetabase(const THostSettings& settings) {
   std::string file = settings.MetabaseFile;
   if (file.empty())
-    if (const char* env = std::getenv("QV_METABASE")) file = env;
+    if (auto env = qv::platform::GetEnv("QV_METABASE")) file = *env;
   if (!file.empty()) {
     FMetabase = TMetabase::LoadFromFile(file);
     qv::QvAutomationServices = FMetabase.get();

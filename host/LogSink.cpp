@@ -7,6 +7,7 @@
 #include <ostream>
 
 #include "HostPlatform.h"
+#include "QvPlatform.h"
 #include "QvUtils.h"
 
 namespace qvhost {
@@ -368,8 +369,7 @@ std::unique_ptr<TLogSink> NewLogSink(TLogFormat format, std::ostream& out, bool 
 }
 
 bool UseColour(bool noColourOption) {
-  const char* noColor = std::getenv("NO_COLOR");
-  if (noColourOption || (noColor && *noColor)) return false;
+  if (noColourOption || !qv::platform::GetEnv("NO_COLOR").value_or("").empty()) return false;
   return platform::StdoutIsTerminal();
 }
 

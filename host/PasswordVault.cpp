@@ -1,14 +1,13 @@
 #include "PasswordVault.h"
 
-#include <cstdlib>
-
 #include "HostPlatform.h"
+#include "QvPlatform.h"
 
 namespace qvhost {
 
 std::string TPasswordVault::DefaultKeyFile() {
-  const char* env = std::getenv("QV_KEY_FILE");
-  if (env && *env) return env;
+  std::string env = qv::platform::GetEnv("QV_KEY_FILE").value_or("");
+  if (!env.empty()) return env;
   return platform::UserConfigFolder() + "/key";
 }
 

@@ -47,6 +47,12 @@ std::string HostName() {
   return win32::Utf8(std::wstring_view(buf, size));
 }
 
+std::optional<std::string> GetEnv(const std::string& name) {
+  const wchar_t* value = _wgetenv(win32::Wide(name).c_str());
+  if (!value) return std::nullopt;
+  return win32::Utf8(value);
+}
+
 std::string TempFolder() {
   wchar_t buf[MAX_PATH + 2] = {};
   DWORD n = GetTempPathW(MAX_PATH + 1, buf);

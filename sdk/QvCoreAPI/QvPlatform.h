@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <ctime>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -28,6 +29,9 @@ std::FILE* OpenFile(const std::string& path, const char* mode);
 std::string ExecutablePath();
 // This computer's network name as the system reports it.
 std::string HostName();
+// The environment variable `name`, or nullopt when it is not set. UTF-8 on every platform (on
+// Windows read through UTF-16).
+std::optional<std::string> GetEnv(const std::string& name);
 // The temporary folder, without a trailing separator.
 std::string TempFolder();
 // The process's current folder.

@@ -1,6 +1,12 @@
 #include "HostSession.h"
 
+#ifdef _WIN32
+#include "QvWin32.h"
+#else
 #include <sys/stat.h>
+#endif
+
+#include <cstdint>
 
 #include <gtest/gtest.h>
 
@@ -14,10 +20,20 @@ using qvtest::TempDir;
 
 namespace {
 
-ino_t Inode(const std::string& path) {
+// Which file `path` names: a file written anew in its place is another.
+uint64_t FileId(const std::string& path) {
+#ifdef _WIN32
+  qv::win32::THandle file(CreateFileW(qv::win32::Wide(path).c_str(), 0,
+                                      FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                                      nullptr, OPEN_EXISTING, 0, nullptr));
+  BY_HANDLE_FILE_INFORMATION info{};
+  GetFileInformationByHandle(file.Get(), &info);
+  return uint64_t{info.nFileIndexHigh} << 32 | info.nFileIndexLow;
+#else
   struct stat st {};
   stat(path.c_str(), &st);
   return st.st_ino;
+#endif
 }
 
 const char* kRegistry =
@@ -50,13 +66,13 @@ TEST(THostSession, FillsOptionsFromTheStoreAndTheRegistryAndSavesThemWhenModifie
 
   // Now the store has a folder: the registry is not asked, nothing is modified or written.
   dir.Write("registry.reg", "REGEDIT4\r\n");
-  ino_t before = Inode(options);
+  uint64_t before = FileId(options);
   {
     TestHost host(dir);
     EXPECT_EQ(host.Session->ExecAction("TQvTestEnvironmentAction", {}), qvhost::kExitSuccess);
     EXPECT_NE(host.Out.str().find("Tool folder: C:\\Tools\\\n"), std::string::npos);
   }
-  EXPECT_EQ(Inode(options), before);
+  EXPECT_EQ(FileId(options), before);
   {
     TestHost host(dir);
     EXPECT_EQ(host.Session->ExecAction("Show Environment", {"NewLevel=4"}), qvhost::kExitSuccess);
@@ -88,21 +104,22 @@ TEST(THostSession, AnswersFrameworkLookupsFromTheCommandLineOrTheFallback) {
   // Auto: dotnet's launcher where dotnet is, else xbuild's; a chosen one wherever it is.
   using qvhost::TMSBuildEngine;
   auto folder = [&dir](TMSBuildEngine e) { return qvhost::MSBuildLauncherFolder(dir.Path(), e); };
-  setenv("QV_XBUILD", "/bin/sh", 1);
-  setenv("QV_DOTNET", "/nonexistent/dotnet", 1);
+  const char* aProgram = QV_QVHOST;
+  qvtest::SetEnv("QV_XBUILD", aProgram);
+  qvtest::SetEnv("QV_DOTNET", "/nonexistent/dotnet");
   EXPECT_EQ(folder(TMSBuildEngine::Auto), "");
   dir.Write("mono/MSBuild.exe", "#!/bin/sh\n");
   dir.Write("dotnet/MSBuild.exe", "#!/bin/sh\n");
   EXPECT_EQ(folder(TMSBuildEngine::Auto), dir.File("mono"));
   EXPECT_EQ(folder(TMSBuildEngine::DotNet), dir.File("dotnet"));
-  setenv("QV_DOTNET", "/bin/sh", 1);
+  qvtest::SetEnv("QV_DOTNET", aProgram);
   EXPECT_EQ(folder(TMSBuildEngine::Auto), dir.File("dotnet"));
   EXPECT_EQ(folder(TMSBuildEngine::XBuild), dir.File("mono"));
-  setenv("QV_DOTNET", "/nonexistent/dotnet", 1);
-  setenv("QV_XBUILD", "/nonexistent/xbuild", 1);
+  qvtest::SetEnv("QV_DOTNET", "/nonexistent/dotnet");
+  qvtest::SetEnv("QV_XBUILD", "/nonexistent/xbuild");
   EXPECT_EQ(folder(TMSBuildEngine::Auto), "");
-  unsetenv("QV_XBUILD");
-  unsetenv("QV_DOTNET");
+  qvtest::SetEnv("QV_XBUILD", nullptr);
+  qvtest::SetEnv("QV_DOTNET", nullptr);
 }
 
 TEST(THostSession, ExecRunsOneActionByCaptionOrClassNameWithAssignments) {

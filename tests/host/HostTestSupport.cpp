@@ -19,6 +19,24 @@ TestHost::TestHost(const qvtest::TempDir& dir,
   Session = std::make_unique<qvhost::THostSession>(settings, Out, [] { return 0.0; });
 }
 
+#ifdef _WIN32
+// No shell on Windows: the folder and the environment go to the process directly, and the
+// per-user folder is APPDATA's.
+std::string QvhostCommand(const qvtest::TempDir&, const std::string& args, const std::string&) {
+  return ShellQuote(QV_QVHOST) + " --no-default-packages --package " +
+         ShellQuote(QV_HOST_TEST_PACKAGE) + " " + args;
+}
+
+qvtest::CommandResult RunQvhost(const qvtest::TempDir& dir, const std::string& args,
+                                const std::string& env) {
+  std::vector<std::string> environment = {"QV_REGISTRY", "QV_KEY_FILE", "NO_COLOR=1",
+                                          "APPDATA=" + dir.File("config")};
+  std::istringstream assignments(env);
+  for (std::string assignment; assignments >> assignment;)
+    environment.push_back(assignment);
+  return qvtest::RunCommand(QvhostCommand(dir, args, env), dir.Path(), environment);
+}
+#else
 std::string QvhostCommand(const qvtest::TempDir& dir, const std::string& args,
                           const std::string& env) {
   return "cd " + ShellQuote(dir.Path()) + " && exec env" +
@@ -31,6 +49,7 @@ qvtest::CommandResult RunQvhost(const qvtest::TempDir& dir, const std::string& a
                                 const std::string& env) {
   return qvtest::RunCommand(QvhostCommand(dir, args, env));
 }
+#endif
 
 // Replaces each number behind " in " (when " s" follows), "time": or "seconds": by "T".
 std::string WithoutTimes(std::string_view log) {

@@ -10,6 +10,7 @@
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
+#include <map>
 #include <thread>
 
 #include "QvProcess.h"
@@ -26,6 +27,42 @@ std::string ShellQuote(const std::string& arg) {
 }
 
 CommandResult RunCommand(const std::string& command) {
+  return RunCommand(command, "", {});
+}
+
+namespace {
+// The environment block of this process with `changes` applied: names compared without case,
+// as Windows does, and sorted, as CreateProcessW expects.
+std::wstring EnvironmentBlock(const std::vector<std::string>& changes) {
+  auto upper = [](std::wstring s) {
+    for (auto& c : s)
+      c = towupper(c);
+    return s;
+  };
+  std::map<std::wstring, std::wstring> vars;  // upper-case name -> NAME=VALUE
+  wchar_t* current = GetEnvironmentStringsW();
+  for (const wchar_t* p = current; *p; p += wcslen(p) + 1) {
+    std::wstring entry(p);
+    vars[upper(entry.substr(0, entry.find(L'=', 1)))] = entry;
+  }
+  FreeEnvironmentStringsW(current);
+  for (const auto& change : changes) {
+    std::wstring entry = qv::win32::Wide(change);
+    size_t eq = entry.find(L'=');
+    if (eq == std::wstring::npos)
+      vars.erase(upper(entry));
+    else
+      vars[upper(entry.substr(0, eq))] = entry;
+  }
+  std::wstring block;
+  for (const auto& [name, entry] : vars)
+    block += entry + L'\0';
+  return block + L'\0';
+}
+}  // namespace
+
+CommandResult RunCommand(const std::string& command, const std::string& folder,
+                         const std::vector<std::string>& environment) {
   TempDir dir;
   SECURITY_ATTRIBUTES inherit{sizeof(SECURITY_ATTRIBUTES), nullptr, TRUE};
   auto open = [&](const std::string& path, DWORD access, DWORD disposition) {
@@ -43,8 +80,10 @@ CommandResult RunCommand(const std::string& command) {
   si.hStdError = err.Get();
   std::wstring line = qv::win32::Wide(command);
   PROCESS_INFORMATION pi{};
-  if (!CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, CREATE_NO_WINDOW, nullptr,
-                      nullptr, &si, &pi))
+  std::wstring block = EnvironmentBlock(environment), cwd = qv::win32::Wide(folder);
+  if (!CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE,
+                      CREATE_NO_WINDOW | CREATE_UNICODE_ENVIRONMENT, block.data(),
+                      folder.empty() ? nullptr : cwd.c_str(), &si, &pi))
     return {-1, "", "cannot run: " + command};
   qv::win32::THandle process(pi.hProcess), thread(pi.hThread);
   WaitForSingleObject(pi.hProcess, INFINITE);
@@ -56,6 +95,10 @@ CommandResult RunCommand(const std::string& command) {
     return qv::StringReplaceAll(TempDir::Read(dir.File(name)), "\r\n", "\n");
   };
   return {static_cast<int>(code), text("out"), text("err")};
+}
+
+void SetEnv(const std::string& name, const char* value) {
+  _wputenv_s(qv::win32::Wide(name).c_str(), value ? qv::win32::Wide(value).c_str() : L"");
 }
 
 bool ProcessEnds(int pid, double seconds) {
@@ -81,6 +124,13 @@ CommandResult RunCommand(const std::string& command) {
   CommandResult r{WIFEXITED(status) ? WEXITSTATUS(status) : -1, TempDir::Read(out),
                   TempDir::Read(err)};
   return r;
+}
+
+void SetEnv(const std::string& name, const char* value) {
+  if (value)
+    setenv(name.c_str(), value, 1);
+  else
+    unsetenv(name.c_str());
 }
 
 bool ProcessEnds(int pid, double seconds) {

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 namespace qvtest {
 
@@ -15,6 +16,15 @@ struct CommandResult {
 // `command` is a shell command line; quote arguments with ShellQuote.
 CommandResult RunCommand(const std::string& command);
 std::string ShellQuote(const std::string& arg);
+#ifdef _WIN32
+// `command` run in `folder` with this process's environment changed by `environment`: each
+// entry NAME=VALUE sets a variable, a bare NAME removes one.
+CommandResult RunCommand(const std::string& command, const std::string& folder,
+                         const std::vector<std::string>& environment);
+#endif
+
+// Sets this process's environment variable `name`, or removes it when `value` is null.
+void SetEnv(const std::string& name, const char* value);
 
 // Whether process `pid` ends (is gone, or left a zombie) within `seconds`.
 bool ProcessEnds(int pid, double seconds = 3);
