@@ -1,22 +1,29 @@
 // The build action run for real through qvhost: with Mono's xbuild behind the MSBuild.exe
 // launcher, and with the devenv.com stand-in where Visual Studio itself would run.
 #include <gtest/gtest.h>
+#ifndef _WIN32
 #include <signal.h>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
+#endif
 
+#include <algorithm>
 #include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <thread>
 
+#include "QvPlatform.h"
+#include "QvSysUtils.h"
 #include "support/JsonLines.h"
 #include "support/RunCommand.h"
 #include "support/TempDir.h"
 #include "support/WebDavServer.h"
 
+#ifndef _WIN32
 extern char** environ;
+#endif
 
 using qvtest::RunCommand;
 using qvtest::ShellQuote;
@@ -26,24 +33,34 @@ namespace {
 
 namespace fs = std::filesystem;
 
+// `path` ("/"-separated) as this platform writes it.
+std::string Native(const std::string& path) {
+  std::string native = qvtest::NativePath(path);
+  std::replace(native.begin(), native.end(), '/', qv::platform::PathDelim);
+  return native;
+}
+
 const std::string kBin = QV_OUTPUT_DIR;
-const std::string kQvhost = kBin + "/qvhost";
-const std::string kStandIn = kBin + "/standins/devenv/devenv.com";
+const std::string kQvhost = Native(QV_QVHOST);
+const std::string kStandIn = Native(QV_DEVENV_STANDIN);
+const std::string kStandInFolder = qv::IncludeTrailingPathDelimiter(qv::ExtractFileDir(kStandIn));
+const std::string kMSTestFolder =
+    qv::IncludeTrailingPathDelimiter(qv::ExtractFileDir(Native(QV_MSTEST_STANDIN)));
 const std::string kFixtures = QV_FIXTURES_DIR;
 
 // One qvhost session: its own options, key and stand-in folders, and a copy of the samples.
 struct Session {
   TempDir dir;
-  std::string samples = dir.Path() + "/samples";
-  std::string standinDir = dir.Path() + "/standin";
-  std::string fakeFx = dir.Path() + "/fakefx";
+  std::string samples = dir.File("samples");
+  std::string standinDir = dir.File("standin");
+  std::string fakeFx = dir.File("fakefx");
 
   Session() {
     fs::copy(QV_EXAMPLES_DIR, samples, fs::copy_options::recursive);
     fs::create_directories(standinDir);
     fs::create_directories(fakeFx);
-    fs::copy_file(kStandIn, fakeFx + "/MSBuild.exe");
-    std::string devenv = kBin + "/standins/devenv/";
+    fs::copy_file(kStandIn, dir.File("fakefx/MSBuild.exe"));
+    std::string devenv = kStandInFolder;
     dir.Write("options.xml",
               "<QvOptions><Section key=\"VisualStudioDotNet\">"
               "<Value name=\"MSDevPath2003\" type=\"string\">" +
@@ -59,13 +76,21 @@ struct Session {
                   "</Section></QvOptions>");
   }
 
-  // qvhost with this session's environment, options and package, logging JSON lines.
+  // A file of the samples' copy.
+  std::string Sample(const std::string& name) const { return Native(samples + "/" + name); }
+
+  // qvhost with this session's options and package, logging JSON lines; Run gives it this
+  // session's environment (through env on POSIX, to the process directly on Windows).
   std::string Qvhost(const std::string& framework) const {
-    return "env QV_STANDIN_DIR=" + ShellQuote(standinDir) +
-           " XDG_CONFIG_HOME=" + ShellQuote(dir.Path()) +
-           " QV_KEY_FILE=" + ShellQuote(dir.File("key")) + " " + kQvhost +
-           " --no-default-packages --package " + ShellQuote(kBin + "/QvVisualStudioDotNet.qvp") +
-           " --options " + ShellQuote(dir.File("options.xml")) +
+    std::string env;
+#ifndef _WIN32
+    env = "env QV_STANDIN_DIR=" + ShellQuote(standinDir) +
+          " XDG_CONFIG_HOME=" + ShellQuote(dir.Path()) +
+          " QV_KEY_FILE=" + ShellQuote(dir.File("key")) + " ";
+#endif
+    return env + kQvhost + " --no-default-packages --package " +
+           ShellQuote(Native(QV_PACKAGE_MODULE)) + " --options " +
+           ShellQuote(dir.File("options.xml")) +
            " --log-format jsonl --framework v3.5=" + ShellQuote(framework) +
            " --framework v2.0=" + ShellQuote(framework);
   }
@@ -79,7 +104,15 @@ struct Session {
 
   qvtest::CommandResult Exec(const std::vector<std::string>& props,
                              const std::string& framework = kBin + "/mono") const {
-    return RunCommand(Command(framework, props));
+    return Run(Command(framework, props));
+  }
+
+  qvtest::CommandResult Run(const std::string& command) const {
+#ifdef _WIN32
+    return RunCommand(command, "", {"QV_STANDIN_DIR=" + standinDir, "APPDATA=" + dir.Path()});
+#else
+    return RunCommand(command);
+#endif
   }
 
   // The stand-in's calls: the working folder, then the arguments.
@@ -152,6 +185,7 @@ struct Log {
   }
 };
 
+#ifndef _WIN32
 // The launcher folder of each engine, and whether the engine and its logger are here.
 struct Engine {
   std::string name, launcher, logger;
@@ -164,12 +198,13 @@ void PrintTo(const Engine& engine, std::ostream* out) {
 }
 const Engine kXBuild{"xbuild", kBin + "/mono", kBin + "/Quorvex.MSBuild.Tasks.dll"};
 const Engine kDotNet{"dotnet", kBin + "/dotnet", kBin + "/dotnet/Quorvex.MSBuild.Tasks.dll"};
+#endif
 
 // ---- devenv stand-in ------------------------------------------------------------------------
 
 TEST(DevEnv, SolutionAndProjectCommandLines) {
   Session s;
-  std::string sln = s.samples + "/vs2008/Mixed.sln";
+  std::string sln = s.Sample("vs2008/Mixed.sln");
   std::vector<std::string> props = {"Solution=" + sln, "SolutionConfiguration=Release|Win32",
                                     "VStudioVersion=vs2008", "UseMSBuild=False"};
   auto r = s.Exec(props);
@@ -188,16 +223,16 @@ TEST(DevEnv, SolutionAndProjectCommandLines) {
   auto calls = s.Calls();
   ASSERT_EQ(calls.size(), 2u);
   EXPECT_EQ(calls[0],
-            (std::vector<std::string>{s.samples + "/vs2008", "/build", "Release|Win32", sln}));
+            (std::vector<std::string>{s.Sample("vs2008"), "/build", "Release|Win32", sln}));
   // Split as the Windows C runtime would: the quoted configuration runs into "/project".
   EXPECT_EQ(calls[1],
-            (std::vector<std::string>{s.samples + "/vs2008", "/build", "Release|Win32/project",
+            (std::vector<std::string>{s.Sample("vs2008"), "/build", "Release|Win32/project",
                                       "GreetingNative\\GreetingNative.vcproj", sln}));
 }
 
 TEST(DevEnv, InstallationFoundInTheRegistryIsUsedAndRemembered) {
   Session s;
-  std::string devenv = kBin + "/standins/devenv/";
+  std::string devenv = kStandInFolder;
   std::string escaped;
   for (char c : devenv)
     escaped += c == '\\' ? std::string("\\\\") : std::string(1, c);
@@ -207,11 +242,11 @@ TEST(DevEnv, InstallationFoundInTheRegistryIsUsedAndRemembered) {
               "\"InstallDir\"=\"" +
                   escaped + "\"\r\n");
   s.dir.Write("options.xml", "<QvOptions/>");
-  std::string sln = s.samples + "/vs2008/Mixed.sln";
-  auto r = RunCommand(
-      s.Command(kBin + "/mono",
-                {"Solution=" + sln, "SolutionConfiguration=Release|Win32", "UseMSBuild=False"}) +
-      " --registry " + ShellQuote(s.dir.File("vs.reg")));
+  std::string sln = s.Sample("vs2008/Mixed.sln");
+  auto r =
+      s.Run(s.Command(kBin + "/mono", {"Solution=" + sln, "SolutionConfiguration=Release|Win32",
+                                       "UseMSBuild=False"}) +
+            " --registry " + ShellQuote(s.dir.File("vs.reg")));
   ASSERT_EQ(r.exitCode, 0) << r.out << r.err;
   EXPECT_TRUE(Log(r.out).Has("[0] Running " + devenv +
                              "devenv.com with parameters : /build "
@@ -226,7 +261,7 @@ TEST(DevEnv, InstallationFoundInTheRegistryIsUsedAndRemembered) {
 TEST(DevEnv, FailedProjectsInA2003SummaryFailTheBuild) {
   Session s;
   s.StandIn("default.out", TempDir::Read(kFixtures + "/devenv/vs2003-one-failed.txt"));
-  auto r = s.Exec({"Solution=" + s.samples + "/vs2003/Billing.sln", "SolutionConfiguration=Release",
+  auto r = s.Exec({"Solution=" + s.Sample("vs2003/Billing.sln"), "SolutionConfiguration=Release",
                    "VStudioVersion=vs2003"});
   EXPECT_EQ(r.exitCode, 1) << r.out;
   Log log(r.out);
@@ -239,7 +274,7 @@ TEST(DevEnv, FailedProjectsInA2003SummaryFailTheBuild) {
 
   Session ok;
   ok.StandIn("default.out", TempDir::Read(kFixtures + "/devenv/vs2003-succeeded.txt"));
-  r = ok.Exec({"Solution=" + ok.samples + "/vs2003/Billing.sln", "SolutionConfiguration=Release",
+  r = ok.Exec({"Solution=" + ok.Sample("vs2003/Billing.sln"), "SolutionConfiguration=Release",
                "VStudioVersion=vs2003"});
   EXPECT_EQ(r.exitCode, 0) << r.out;
   EXPECT_TRUE(Log(r.out).Has("[1]     Build: 2 succeeded, 0 failed, 0 skipped"));
@@ -248,7 +283,7 @@ TEST(DevEnv, FailedProjectsInA2003SummaryFailTheBuild) {
 TEST(DevEnv, SetupProjectsAreBuiltWithDevEnvUnderMSBuild) {
   Session s;
   s.StandIn("default.out", TempDir::Read(kFixtures + "/devenv/vs2008-succeeded.txt"));
-  std::string sln = s.samples + "/vs2008/Mixed.sln";
+  std::string sln = s.Sample("vs2008/Mixed.sln");
   auto r = s.Exec(
       {"Solution=" + sln, "SolutionConfiguration=Release|Any CPU", "VStudioVersion=vs2008",
        "BuildType=btSelectedProjects", "SelectedProjects=GreetingSetup", "StructuredOutput=False"},
@@ -265,6 +300,7 @@ TEST(DevEnv, SetupProjectsAreBuiltWithDevEnvUnderMSBuild) {
   EXPECT_EQ(s.Calls()[0][2], "Release|Any CPU/project");
 }
 
+#ifndef _WIN32  // signals; Windows' own form is in the host's suite
 TEST(DevEnv, TerminationStopsTheCompilerAndItsChildren) {
   Session s;
   s.StandIn("run1.wait", "child");
@@ -297,7 +333,94 @@ TEST(DevEnv, TerminationStopsTheCompilerAndItsChildren) {
   EXPECT_TRUE(qvtest::ProcessEnds(child)) << "the compiler's own children are stopped too";
 }
 
+#endif
+
+// ---- qvhost check, and MSTest.exe (the stand-in) ---------------------------------------
+
+TEST(Check, ReportsWhatABuildWouldTripOverWithoutRunningIt) {
+  Session s;
+  auto project = [&](const std::string& configuration, const std::string& extra) {
+    return s.dir.Write("p.qvproj",
+                       "<QvProject><Actions><Action type='TQvVSDotNetAction' caption='Build'>"
+                       "<Property name='Solution'>" +
+                           s.Sample("vs2008/Greeting.sln") +
+                           "</Property>"
+                           "<Property name='SolutionConfiguration'>" +
+                           configuration + "</Property>" + extra +
+                           "</Action></Actions></QvProject>");
+  };
+  std::string check = s.Qvhost(s.fakeFx) + " check ";
+  auto r = s.Run(check +
+                 project("Release|Any CPU", "<Property name='VStudioVersion'>vs2008</Property>"));
+  EXPECT_EQ(r.exitCode, 0) << r.out << r.err;
+  EXPECT_EQ(r.out, "Checked 1 action: 0 problems, 0 warnings\n");
+
+  std::string file =
+      project("Relase|Any CPU",
+              "<Property name='VStudioVersion'>vs2005</Property>"
+              "<Property name='BuildType'>btSelectedProjects</Property>"
+              "<Property name='SelectedProjects'><Line>Nowhere.csproj</Line></Property>"
+              "<Property name='ExtraCmdLineParams'>/p:X=%Missing%</Property>");
+  r = s.Run(check + file);
+  EXPECT_EQ(r.exitCode, 1);
+  EXPECT_EQ(r.out, file + ":1: Build: ExtraCmdLineParams: Variable \"Missing\" is not defined\n" +
+                       file +
+                       ":1: Build: SolutionConfiguration: The solution has no configuration "
+                       "\"Relase|Any CPU\"; it has: Debug|Any CPU, Release|Any CPU\n" +
+                       file +
+                       ":1: Build: SelectedProjects: Project Nowhere.csproj is not in the "
+                       "solution\n" +
+                       file +
+                       ":1: warning: Build: VStudioVersion: The action builds with vs2005 "
+                       "but the solution file is in vs2008 format\n"
+                       "Checked 1 action: 3 problems, 1 warning\n");
+  EXPECT_FALSE(fs::exists(s.Sample("vs2008/Greeting.Lib/bin"))) << "nothing was built";
+  EXPECT_EQ(s.Run(check + s.dir.File("missing.qvproj")).exitCode, 2);
+}
+
+TEST(MSTestRun, PublishModesAndAFailingRun) {
+  Session s;
+  s.dir.Write("options.xml",
+              "<QvOptions><Section key=\"VisualStudioDotNet\"><Value name=\"MSDevPath2008\" "
+              "type=\"string\">" +
+                  kMSTestFolder + "</Value></Section></QvOptions>");
+  std::string dll = s.dir.Write("bin/Greeting.Tests.dll", "MZ");
+  std::string exec = s.Qvhost(kBin + "/mono") + " exec \"Run MSTest\" VisualStudioVer=vs2008 " +
+                     ShellQuote("AssemblyFileName=" + dll);
+  std::string teamBuild;
+  for (const char* v : {"TeamServer=http://tfs:8080", "TeamProject=Greeting",
+                        "TeamBuildId=Nightly_12", "BuildPlatform=Any CPU", "BuildFlavor=Release"})
+    teamBuild += " --var " + ShellQuote(std::string("_env") + v);
+  auto r = s.Run(exec + teamBuild);
+  ASSERT_EQ(r.exitCode, 0) << r.out;
+  Log log(r.out);
+  EXPECT_TRUE(
+      log.Has("[0] Results will be published to Team Project Greeting on "
+              "http://tfs:8080, Build Id Nightly_12 (Release/Any CPU)"));
+  EXPECT_TRUE(log.Has("[0] Publish completed successfully."));
+  EXPECT_EQ(r.out.find("\"metric\""), std::string::npos);  // Team Build counts them itself
+  EXPECT_EQ(s.Calls().back(),
+            (std::vector<std::string>{s.dir.File("bin"), "/testcontainer:" + dll, "/nologo",
+                                      "/publish:http://tfs:8080", "/teamproject:Greeting",
+                                      "/publishbuild:Nightly_12", "/flavor:Release",
+                                      "/platform:Any CPU"}));
+  s.StandIn("tests.txt",
+            "Passed Greeting.Tests.GreeterChecks.Greets\nFailed "
+            "Greeting.Tests.GreeterChecks.GreetsNobody\n");
+  r = s.Run(exec + " PublishMode=pbNone");
+  EXPECT_EQ(r.exitCode, 1);
+  EXPECT_TRUE(Log(r.out).Has("[0] 1/2 test(s) Passed, 1 Failed")) << r.out;
+  EXPECT_NE(r.out.find("{\"event\":\"metric\",\"group\":\"Unit_Tests\",\"name\":\"Tests_Failed\","
+                       "\"value\":1,"),
+            std::string::npos);
+  r = s.Run(exec + " PublishMode=pbNone " + ShellQuote("AssemblyFileName=" + dll + ".x"));
+  EXPECT_EQ(r.exitCode, 1);
+  EXPECT_TRUE(Log(r.out).Has("[0] File does not exist: " + dll + ".x")) << r.out;
+}
+
 // ---- MSBuild with each engine: Mono's xbuild and the .NET SDK's ----------------------------
+// (Linux programs both; Windows has no MSBuild to run under Wine.)
+#ifndef _WIN32
 
 class MSBuild : public ::testing::TestWithParam<Engine> {
  protected:
@@ -502,10 +625,6 @@ TEST(DotNetEngine, ABrokenSdkIsNamedAndFailsTheAction) {
 INSTANTIATE_TEST_SUITE_P(Engines, MSBuild, ::testing::Values(kXBuild, kDotNet),
                          [](const auto& info) { return info.param.name; });
 
-}  // namespace
-
-namespace {
-
 // Two runs of one project: the counted-up numbers reach the sources and the project file,
 // whose comments and layout stay.
 TEST(Stamping, BuildNumbersCountUpFromRunToRun) {
@@ -546,10 +665,6 @@ TEST(Stamping, BuildNumbersCountUpFromRunToRun) {
               std::string::npos);
   }
 }
-
-}  // namespace
-
-namespace {
 
 // A Visual Studio 2003 web project served over WebDAV: its AssemblyInfo is fetched,
 // stamped and put back; a wrong password fails with the server's status and shows nowhere.
@@ -596,10 +711,6 @@ TEST(Stamping, WebProjectOverWebDAV) {
   EXPECT_EQ(r.out.find(server.Password()), std::string::npos);
 }
 
-}  // namespace
-
-namespace {
-
 // A loop over a solution's projects with a nested build of the loop's project: every
 // iteration builds its own project (fresh nested actions), and a number the nested action
 // counts up is saved once, as the last iteration left it.
@@ -643,91 +754,6 @@ TEST(SolutionLoop, NestedBuildPerProjectInDependencyOrder) {
             std::string::npos);
 }
 
-}  // namespace
-
-namespace {
-
-// MSTest.exe (the stand-in) run through qvhost: publishing under Team Build, and a failing
-// test run whose counts are still measured.
-TEST(Check, ReportsWhatABuildWouldTripOverWithoutRunningIt) {
-  Session s;
-  auto project = [&](const std::string& configuration, const std::string& extra) {
-    return s.dir.Write("p.qvproj",
-                       "<QvProject><Actions><Action type='TQvVSDotNetAction' caption='Build'>"
-                       "<Property name='Solution'>" +
-                           s.samples +
-                           "/vs2008/Greeting.sln</Property>"
-                           "<Property name='SolutionConfiguration'>" +
-                           configuration + "</Property>" + extra +
-                           "</Action></Actions></QvProject>");
-  };
-  std::string check = s.Qvhost(s.fakeFx) + " check ";
-  auto r = RunCommand(
-      check + project("Release|Any CPU", "<Property name='VStudioVersion'>vs2008</Property>"));
-  EXPECT_EQ(r.exitCode, 0) << r.out << r.err;
-  EXPECT_EQ(r.out, "Checked 1 action: 0 problems, 0 warnings\n");
-
-  std::string file =
-      project("Relase|Any CPU",
-              "<Property name='VStudioVersion'>vs2005</Property>"
-              "<Property name='BuildType'>btSelectedProjects</Property>"
-              "<Property name='SelectedProjects'><Line>Nowhere.csproj</Line></Property>"
-              "<Property name='ExtraCmdLineParams'>/p:X=%Missing%</Property>");
-  r = RunCommand(check + file);
-  EXPECT_EQ(r.exitCode, 1);
-  EXPECT_EQ(r.out, file + ":1: Build: ExtraCmdLineParams: Variable \"Missing\" is not defined\n" +
-                       file +
-                       ":1: Build: SolutionConfiguration: The solution has no configuration "
-                       "\"Relase|Any CPU\"; it has: Debug|Any CPU, Release|Any CPU\n" +
-                       file +
-                       ":1: Build: SelectedProjects: Project Nowhere.csproj is not in the "
-                       "solution\n" +
-                       file +
-                       ":1: warning: Build: VStudioVersion: The action builds with vs2005 "
-                       "but the solution file is in vs2008 format\n"
-                       "Checked 1 action: 3 problems, 1 warning\n");
-  EXPECT_FALSE(fs::exists(s.samples + "/vs2008/Greeting.Lib/bin")) << "nothing was built";
-  EXPECT_EQ(RunCommand(check + s.dir.File("missing.qvproj")).exitCode, 2);
-}
-
-TEST(MSTestRun, PublishModesAndAFailingRun) {
-  Session s;
-  s.dir.Write("options.xml",
-              "<QvOptions><Section key=\"VisualStudioDotNet\"><Value name=\"MSDevPath2008\" "
-              "type=\"string\">" +
-                  kBin + "/standins/mstest/</Value></Section></QvOptions>");
-  std::string dll = s.dir.Write("bin/Greeting.Tests.dll", "MZ");
-  std::string exec = s.Qvhost(kBin + "/mono") + " exec \"Run MSTest\" VisualStudioVer=vs2008 " +
-                     ShellQuote("AssemblyFileName=" + dll);
-  std::string teamBuild;
-  for (const char* v : {"TeamServer=http://tfs:8080", "TeamProject=Greeting",
-                        "TeamBuildId=Nightly_12", "BuildPlatform=Any CPU", "BuildFlavor=Release"})
-    teamBuild += " --var " + ShellQuote(std::string("_env") + v);
-  auto r = RunCommand(exec + teamBuild);
-  ASSERT_EQ(r.exitCode, 0) << r.out;
-  Log log(r.out);
-  EXPECT_TRUE(
-      log.Has("[0] Results will be published to Team Project Greeting on "
-              "http://tfs:8080, Build Id Nightly_12 (Release/Any CPU)"));
-  EXPECT_TRUE(log.Has("[0] Publish completed successfully."));
-  EXPECT_EQ(r.out.find("\"metric\""), std::string::npos);  // Team Build counts them itself
-  EXPECT_EQ(s.Calls().back(),
-            (std::vector<std::string>{s.dir.Path() + "/bin", "/testcontainer:" + dll, "/nologo",
-                                      "/publish:http://tfs:8080", "/teamproject:Greeting",
-                                      "/publishbuild:Nightly_12", "/flavor:Release",
-                                      "/platform:Any CPU"}));
-  s.StandIn("tests.txt",
-            "Passed Greeting.Tests.GreeterChecks.Greets\nFailed "
-            "Greeting.Tests.GreeterChecks.GreetsNobody\n");
-  r = RunCommand(exec + " PublishMode=pbNone");
-  EXPECT_EQ(r.exitCode, 1);
-  EXPECT_TRUE(Log(r.out).Has("[0] 1/2 test(s) Passed, 1 Failed")) << r.out;
-  EXPECT_NE(r.out.find("{\"event\":\"metric\",\"group\":\"Unit_Tests\",\"name\":\"Tests_Failed\","
-                       "\"value\":1,"),
-            std::string::npos);
-  r = RunCommand(exec + " PublishMode=pbNone " + ShellQuote("AssemblyFileName=" + dll + ".x"));
-  EXPECT_EQ(r.exitCode, 1);
-  EXPECT_TRUE(Log(r.out).Has("[0] File does not exist: " + dll + ".x")) << r.out;
-}
+#endif
 
 }  // namespace

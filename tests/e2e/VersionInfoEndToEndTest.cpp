@@ -11,7 +11,7 @@ using qvtest::TempDir;
 
 namespace {
 
-const std::string kQvhost = std::string(QV_OUTPUT_DIR) + "/qvhost";
+const std::string kQvhost = qvtest::ShellQuote(qvtest::NativePath(QV_QVHOST));
 const std::string kScript = QV_EXAMPLES_DIR "/vs2008/GreetingNative/App.rc";
 
 const char* const kNames[][2] = {{"MajorVersion", "4"},

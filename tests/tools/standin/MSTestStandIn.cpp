@@ -3,17 +3,17 @@
 // 2005) test run's transcript, writing a results file when asked.
 //
 // Steered through the folder named by QV_STANDIN_DIR:
-//   calls.txt    one line per call: the working folder, then each argument, tab-separated
+//   calls.txt    one line per call (see RecordCall.h)
 //   tests.txt    the tests of the run, one "Passed NAME" or "Failed NAME" a line (default:
 //                one passing test); a line "Summary: TEXT" replaces the summary line
-#include <unistd.h>
-
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
 #include <iostream>
 #include <string>
 #include <vector>
+
+#include "RecordCall.h"
 
 namespace {
 
@@ -53,15 +53,6 @@ bool Parse(int argc, char** argv, Options& o) {
   return true;
 }
 
-void Record(int argc, char** argv, const std::string& dir) {
-  std::ofstream calls(dir + "/calls.txt", std::ios::app);
-  char cwd[4096];
-  calls << (getcwd(cwd, sizeof cwd) ? cwd : "");
-  for (int i = 1; i < argc; ++i)
-    calls << '\t' << argv[i];
-  calls << '\n';
-}
-
 void WriteResults(const std::string& path, const std::vector<std::pair<bool, std::string>>& tests,
                   int passed) {
   std::ofstream trx(path, std::ios::binary);
@@ -85,7 +76,7 @@ void WriteResults(const std::string& path, const std::vector<std::pair<bool, std
 int main(int argc, char** argv) {
   const char* dirEnv = std::getenv("QV_STANDIN_DIR");
   std::string dir = dirEnv ? dirEnv : ".";
-  Record(argc, argv, dir);
+  standin::RecordCall(dir + "/calls.txt", argc, argv);
   Options o;
   bool v8 =
       std::getenv("QV_MSTEST_VERSION") && std::string(std::getenv("QV_MSTEST_VERSION")) == "8";

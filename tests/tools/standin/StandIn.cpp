@@ -2,8 +2,7 @@
 // it was called and replays a transcript the test prepared.
 //
 // Everything is steered through the folder named by QV_STANDIN_DIR:
-//   calls.txt        one line per call: the working folder, then each argument, separated
-//                    by tabs (tabs, newlines and backslashes in them escaped as \t \n \\)
+//   calls.txt        one line per call (RecordCall.h)
 //   runN.out         what call number N (from 1) writes to standard output, byte for byte;
 //                    default.out when there is no runN.out
 //   runN.err         the same for standard error (default.err)
@@ -13,7 +12,6 @@
 //                    runN.child) and then waits up to a minute to be terminated.
 // Built for Windows too, where the child is the stand-in itself, started to wait.
 #ifdef _WIN32
-#include <direct.h>
 #include <fcntl.h>
 #include <io.h>
 #include <windows.h>
@@ -29,22 +27,9 @@
 #include <sstream>
 #include <string>
 
-namespace {
+#include "RecordCall.h"
 
-std::string Escape(const std::string& s) {
-  std::string r;
-  for (char c : s) {
-    if (c == '\t')
-      r += "\\t";
-    else if (c == '\n')
-      r += "\\n";
-    else if (c == '\\')
-      r += "\\\\";
-    else
-      r += c;
-  }
-  return r;
-}
+namespace {
 
 bool ReadFile(const std::string& path, std::string& out) {
   std::ifstream in(path, std::ios::binary);
@@ -132,16 +117,7 @@ int main(int argc, char** argv) {
   std::string calls = dir + "/calls.txt";
   int run = CountLines(calls) + 1;
 
-  char cwd[4096] = {};
-#ifdef _WIN32
-  if (!_getcwd(cwd, sizeof cwd - 1)) cwd[0] = '?';
-#else
-  if (!getcwd(cwd, sizeof cwd - 1)) cwd[0] = '?';
-#endif
-  std::string line = Escape(cwd);
-  for (int i = 1; i < argc; ++i)
-    line += "\t" + Escape(argv[i]);
-  std::ofstream(calls, std::ios::app | std::ios::binary) << line << "\n";
+  standin::RecordCall(calls, argc, argv);
 
   std::string text;
   if (ReadRunFile(dir, run, ".out", text)) WriteAll(1, text);
