@@ -10,6 +10,7 @@
 #include "QvUtils.h"
 #include "WebDavClient.h"
 #include "support/ErrorOf.h"
+#include "support/RunCommand.h"
 #include "support/WebDavServer.h"
 
 namespace qv {
@@ -65,7 +66,7 @@ class WebDavLocation : public ::testing::Test {
   void SetUp() override {
     if (!qvtest::WebDavServer::Available()) GTEST_SKIP() << "apache2 with mod_dav is missing";
     Server = std::make_unique<qvtest::WebDavServer>();
-    setenv("TMPDIR", Downloads.Path().c_str(), 1);  // parallel tests download the same names
+    qvtest::SetEnv("TMPDIR", Downloads.Path().c_str());  // parallel tests download the same names
     Server->Write("/My Web/App/App.csproj", "<Project/>\r\n");
     Server->Write("/My Web/App/Properties/AssemblyInfo.cs",
                   "[assembly: AssemblyVersion(\"1.0.*\")]\r\n");
@@ -75,7 +76,7 @@ class WebDavLocation : public ::testing::Test {
   }
   void TearDown() override {
     QvWebDavServices = nullptr;
-    unsetenv("TMPDIR");
+    qvtest::SetEnv("TMPDIR", nullptr);
   }
   std::string Connect() {
     std::string address = "http://127.0.0.1:" + Port() + "/My%20Web/App/App.csproj";
