@@ -1,6 +1,6 @@
 # Cross-builds for 64-bit Windows with Debian's MinGW-w64 toolchain (the POSIX thread model,
 # for std::thread). Libraries come from the prefix scripts/windows-deps.sh fills; programs
-# run under Wine (tests through ctest's emulator).
+# run under Wine (tests through ctest's emulator, cmake/wine-run.sh).
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR x86_64)
 set(CMAKE_C_COMPILER x86_64-w64-mingw32-gcc-posix)
@@ -15,7 +15,8 @@ set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
-set(CMAKE_CROSSCOMPILING_EMULATOR wine CACHE STRING "Runs the Windows programs")
+set(CMAKE_CROSSCOMPILING_EMULATOR "${CMAKE_CURRENT_LIST_DIR}/wine-run.sh" CACHE FILEPATH
+    "Runs the Windows programs (Wine, with one more start when Wine fails to start one)")
 # pkg-config reads only the Windows libraries' files.
 set(ENV{PKG_CONFIG_LIBDIR} "${QV_WINDOWS_DEPS}/lib/pkgconfig")
 set(ENV{PKG_CONFIG_PATH} "")
