@@ -21,8 +21,6 @@ namespace qvhost {
 namespace {
 
 constexpr int kPollMs = 50;  // how often a waiting run looks at the terminate event
-constexpr auto kTerminateGrace = std::chrono::milliseconds(1000);
-constexpr auto kDrainGrace = std::chrono::milliseconds(1000);
 
 // Owns a file descriptor.
 struct TFd {
@@ -82,10 +80,10 @@ int WaitBlocking(pid_t pid) {
   return status;
 }
 
-// SIGTERM to the whole group, SIGKILL after a grace period; returns once the child is reaped.
-void StopGroup(pid_t pid) {
+// SIGTERM to the whole group, SIGKILL after `grace`; returns once the child is reaped.
+void StopGroup(pid_t pid, std::chrono::milliseconds grace) {
   kill(-pid, SIGTERM);
-  auto deadline = std::chrono::steady_clock::now() + kTerminateGrace;
+  auto deadline = std::chrono::steady_clock::now() + grace;
   int status = 0;
   while (waitpid(pid, &status, WNOHANG) == 0) {
     if (std::chrono::steady_clock::now() >= deadline) {
@@ -115,11 +113,11 @@ bool ReadChunk(int& fd, bool stdErr, const TDeliver& deliver) {
 }
 
 // Once the child has ended: reads what its pipes still hold and what descendants still
-// write. Holders that stay silent for the grace period are not waited for, nor are pipes held
-// open beyond it by processes that left the group; a terminate request stops the whole group
-// at once (false).
+// write. Holders that stay silent for `grace` are not waited for, nor are pipes held open
+// beyond it by processes that left the group; a terminate request stops the whole group at
+// once (false).
 bool Drain(pid_t pid, pollfd (&fds)[2], const TDeliver& deliver,
-           const std::function<bool()>& terminate) {
+           const std::function<bool()>& terminate, std::chrono::milliseconds grace) {
   using Clock = std::chrono::steady_clock;
   auto start = Clock::now(), lastData = start;
   while (fds[0].fd >= 0 || fds[1].fd >= 0) {
@@ -134,16 +132,19 @@ bool Drain(pid_t pid, pollfd (&fds)[2], const TDeliver& deliver,
           lastData = Clock::now();
     auto now = Clock::now();
     bool groupGone = kill(-pid, 0) < 0 && errno == ESRCH;
-    if (now - lastData >= kDrainGrace || (groupGone && now - start >= kDrainGrace)) break;
+    if (now - lastData >= grace || (groupGone && now - start >= grace)) break;
   }
   return true;
 }
 
 // Delivers output until the child ends and returns its wait status, or nullopt when
 // `terminate` asked for it to be stopped. Once the child has ended, what is still buffered in
-// the pipes is read; descendants that keep the pipes open are not waited for.
+// the pipes is read; descendants that keep the pipes open are not waited for. The grace
+// periods are StopGroup's and Drain's.
 std::optional<int> Pump(pid_t pid, int outFd, int errFd, const TDeliver& deliver,
-                        const std::function<bool()>& terminate) {
+                        const std::function<bool()>& terminate,
+                        std::chrono::milliseconds terminateGrace,
+                        std::chrono::milliseconds drainGrace) {
   for (int fd : {outFd, errFd})
     fcntl(fd, F_SETFL, fcntl(fd, F_GETFL) | O_NONBLOCK);
   pollfd fds[2] = {{outFd, POLLIN, 0}, {errFd, POLLIN, 0}};
@@ -154,13 +155,14 @@ std::optional<int> Pump(pid_t pid, int outFd, int errFd, const TDeliver& deliver
         if (fds[i].fd >= 0 && (fds[i].revents & (POLLIN | POLLHUP | POLLERR)))
           ReadChunk(fds[i].fd, i == 1, deliver);
     if (terminate()) {
-      StopGroup(pid);
+      StopGroup(pid, terminateGrace);
       return std::nullopt;
     }
     pid_t done = waitpid(pid, &status, WNOHANG);
     if (done == pid || (done < 0 && errno == ECHILD)) break;
   }
-  return Drain(pid, fds, deliver, terminate) ? std::optional<int>(status) : std::nullopt;
+  return Drain(pid, fds, deliver, terminate, drainGrace) ? std::optional<int>(status)
+                                                         : std::nullopt;
 }
 
 }  // namespace
@@ -199,7 +201,7 @@ int THostProcess::Run() {
   std::optional<int> wait = Pump(
       pid, out.Read.Fd, err.Read.Fd,
       [this](bool stdErr, std::string_view chunk) { Deliver(stdErr, chunk); },
-      [this] { return TerminateRequested(); });
+      [this] { return TerminateRequested(); }, FTerminateGrace, FDrainGrace);
   FlushTails();
   if (!wait) {
     FExitCode = qv::kTerminatedExitCode;

@@ -1,6 +1,7 @@
 // The host's process runner: the child processes actions start through their context.
 #pragma once
 
+#include <chrono>
 #include <string>
 
 #include "QvProcess.h"
@@ -27,6 +28,13 @@ class THostProcess : public qv::TInterfacedObject, public qv::IQvProcess {
   int GetExitCode() const override { return FExitCode; }
   const std::string& StartingDir() const { return FStartingDir; }
   bool GetCleanExit() const override { return FCleanExit; }
+  // On POSIX: how long a child asked to terminate has between SIGTERM and SIGKILL, and how
+  // long, once the child has ended, descendants that hold its pipes open and write nothing
+  // are waited for (one second each unless set). Windows has neither period.
+  void SetGracePeriods(std::chrono::milliseconds terminate, std::chrono::milliseconds drain) {
+    FTerminateGrace = terminate;
+    FDrainGrace = drain;
+  }
 
  protected:
   void* GetInterface(const qv::TGUID& iid) override;
@@ -44,6 +52,7 @@ class THostProcess : public qv::TInterfacedObject, public qv::IQvProcess {
   qv::IQvProcessOutputHandler* FHandler = nullptr;
   int FExitCode = 0;
   bool FCleanExit = false;
+  std::chrono::milliseconds FTerminateGrace{1000}, FDrainGrace{1000};
   qv::TLineAssembler FLines[2];  // standard output's and error's
 };
 
