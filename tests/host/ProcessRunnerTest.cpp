@@ -2,13 +2,10 @@
 
 #include <signal.h>
 #include <sys/wait.h>
-#include <unistd.h>
 
 #include <chrono>
 #include <filesystem>
-#include <fstream>
 #include <thread>
-#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -16,141 +13,94 @@
 #include "support/RunCommand.h"
 #include "support/TempDir.h"
 
-using qvtest::TempDir;
+using namespace std::chrono_literals;
 
 namespace {
 
-struct Recorder : qv::IQvProcessOutputHandler {
-  std::string Out, Err;
-  std::vector<std::string> OutChunks;
-  void OnStdOutData(qv::IQvProcess*, std::string_view chunk) override {
-    Out += chunk;
-    OutChunks.emplace_back(chunk);
-  }
-  void OnStdErrData(qv::IQvProcess*, std::string_view chunk) override { Err += chunk; }
-};
-
-struct Result {
-  int Code;
-  bool Clean;
-  std::string Out, Err;
-  std::vector<std::string> OutChunks;
-};
-
-Result RunShell(const std::string& params, const std::string& dir = "",
-                qv::TAutoResetEvent* terminate = nullptr) {
-  Recorder rec;
-  auto p = qvhost::NewHostProcess();
-  p->SetExecutable("/bin/sh");
-  p->SetParameters(params);
-  p->SetCaptureOutput(true);
-  p->SetHideWindow(true);
-  p->SetStartingDir(dir);
-  p->SetTerminateEvent(terminate);
-  p->SetOutputHandler(&rec);
-  int code = p->Run();
-  EXPECT_EQ(code, p->GetExitCode());
-  return {code, p->GetCleanExit(), rec.Out, rec.Err, rec.OutChunks};
-}
-
-std::string Numbers(int from, int to) {
+std::string Numbers(int to) {
   std::string s;
-  for (int i = from; i <= to; ++i)
+  for (int i = 1; i <= to; ++i)
     s += std::to_string(i) + "\n";
   return s;
 }
 
-bool NoChildrenLeft() {
-  int status;
-  return waitpid(-1, &status, WNOHANG) < 0 && errno == ECHILD;
-}
+// Runs /bin/sh in the test's folder with grace periods of 100 ms, its output captured here.
+class THostProcessTest : public ::testing::Test, public qv::IQvProcessOutputHandler {
+ protected:
+  void OnStdOutData(qv::IQvProcess*, std::string_view chunk) override { Out += chunk; }
+  void OnStdErrData(qv::IQvProcess*, std::string_view chunk) override { Err += chunk; }
+  int Shell(const std::string& params) {
+    P->SetExecutable("/bin/sh");
+    P->SetParameters(params);
+    P->SetCaptureOutput(true);
+    P->SetStartingDir(Dir.Path());
+    P->SetOutputHandler(this);
+    P->SetGracePeriods(100ms, 100ms);
+    int code = P->Run();
+    EXPECT_EQ(code, P->GetExitCode());
+    return code;
+  }
+  static bool NoChildrenLeft() {
+    int status;
+    return waitpid(-1, &status, WNOHANG) < 0 && errno == ECHILD;
+  }
+  qvtest::TempDir Dir;
+  qv::IntfPtr<qvhost::THostProcess> P{new qvhost::THostProcess};
+  std::string Out, Err;
+};
 
-TEST(THostProcess, DeliversEachStreamWholeAndInOrder) {
-  Result r = RunShell("-c \"seq 1 60000; seq 1 40000 >&2; echo tail; exit 3\"");
-  EXPECT_EQ(r.Code, 3);
-  EXPECT_TRUE(r.Clean);
-  EXPECT_EQ(r.Out, Numbers(1, 60000) + "tail\n");
-  EXPECT_EQ(r.Err, Numbers(1, 40000));
-  EXPECT_TRUE(NoChildrenLeft());
-}
-
-TEST(THostProcess, ALineWrittenInPiecesArrivesWhole) {
-  Result r = RunShell("-c \"printf a; sleep 0.2; printf 'b\\nc'\"");
-  EXPECT_EQ(r.OutChunks, (std::vector<std::string>{"ab\n", "c"}));
-}
-
-TEST(THostProcess, SplitsParametersAsWindowsDoesAndRunsDetachedInItsFolder) {
-  TempDir dir;
-  Result r = RunShell("-c \"printf '[%s]' \\\"$@\\\"\" sh \"a b\" c\\\"d \"\"");
-  EXPECT_EQ(r.Out, "[a b][c\"d][]");
-  r = RunShell(
-      "-c \"pwd; read x; echo [$x]; read -r s < /proc/$$/stat; set -- $s; "
-      "[ $1 = $6 ] && echo leader\"",
-      dir.Path());
-  EXPECT_EQ(r.Out, dir.Path() + "\n[]\nleader\n");
-}
-
-TEST(THostProcess, ReportsWhatCannotStartAndWhatDidNotEndByItself) {
-  Result r = RunShell("-c \"kill -KILL $$\"");
-  EXPECT_EQ(r.Code, 128 + SIGKILL);
-  EXPECT_FALSE(r.Clean);
-  auto p = qvhost::NewHostProcess();
-  p->SetExecutable("/nonexistent/tool");
-  EXPECT_EQ(qvtest::ErrorOf([&] { p->Run(); }),
+TEST_F(THostProcessTest, DeliversEachStreamWholeAndSaysHowTheChildEnded) {
+  EXPECT_EQ(Shell("-c \"seq 1 60000; seq 1 40000 >&2; echo tail; exit 3\""), 3);
+  EXPECT_TRUE(P->GetCleanExit());
+  EXPECT_EQ(Out, Numbers(60000) + "tail\n");
+  EXPECT_EQ(Err, Numbers(40000));
+  EXPECT_EQ(Shell("-c \"kill -KILL $$\""), 128 + SIGKILL);
+  EXPECT_FALSE(P->GetCleanExit());
+  auto missing = qvhost::NewHostProcess();
+  missing->SetExecutable("/nonexistent/tool");
+  EXPECT_EQ(qvtest::ErrorOf([&] { missing->Run(); }),
             "Cannot run \"/nonexistent/tool\" : No such file or directory");
   EXPECT_TRUE(NoChildrenLeft());
 }
 
-// The shell ignores SIGTERM, so only the SIGKILL that follows ends it.
-TEST(THostProcess, TerminateStopsTheChildAndEverythingItStarted) {
-  TempDir dir;
-  qv::TAutoResetEvent terminate;
-  std::thread stopper([&] {
-    while (!std::filesystem::exists(dir.File("started")))
-      std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    terminate.Signal();
-  });
-  auto start = std::chrono::steady_clock::now();
-  Result r = RunShell(
-      "-c \"sleep 30 & echo $! > pid; trap '' TERM; touch started; "
-      "while :; do sleep 0.1; done\"",
-      dir.Path(), &terminate);
-  stopper.join();
-  EXPECT_EQ(r.Code, qv::kTerminatedExitCode);
-  EXPECT_FALSE(r.Clean);
-  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10));
-  std::ifstream pidFile(dir.File("pid"));
-  pid_t grandchild = 0;
-  pidFile >> grandchild;
-  ASSERT_GT(grandchild, 0);
-  EXPECT_TRUE(qvtest::ProcessEnds(grandchild));
-  EXPECT_TRUE(NoChildrenLeft());
+// Parameters split as the Windows C runtime does; no input; its own session, in its folder.
+TEST_F(THostProcessTest, SplitsParametersAsWindowsDoesAndRunsDetachedInItsFolder) {
+  Shell(
+      "-c \"printf '[%s]' \\\"$@\\\"; pwd; read x; echo [$x]; read -r s < /proc/$$/stat; "
+      "set -- $s; [ $1 = $6 ] && echo leader\" sh \"a b\" c\\\"d \"\"");
+  EXPECT_EQ(Out, "[a b][c\"d][]" + Dir.Path() + "\n[]\nleader\n");
 }
 
-// After the child has ended, a descendant that keeps writing is read until a terminate
-// request stops it, soon after the request.
-TEST(THostProcess, TerminateStopsTheDrainOfADescendantThatKeepsWriting) {
-  TempDir dir;
-  qv::TAutoResetEvent terminate;
-  std::thread stopper([&] {
-    while (!std::filesystem::exists(dir.File("started")))
-      std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    std::this_thread::sleep_for(std::chrono::milliseconds(300));
-    terminate.Signal();
-  });
-  Recorder rec;
-  auto p = qvhost::NewHostProcess();
-  p->SetExecutable("/bin/sh");
-  p->SetParameters("-c \"yes & echo $! > pid; touch started\"");
-  p->SetCaptureOutput(true);
-  p->SetStartingDir(dir.Path());
-  p->SetTerminateEvent(&terminate);
-  p->SetOutputHandler(&rec);
-  auto start = std::chrono::steady_clock::now();
-  EXPECT_EQ(p->Run(), qv::kTerminatedExitCode);
-  stopper.join();
-  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(2));
-  EXPECT_TRUE(qvtest::ProcessEnds(std::stoi(TempDir::Read(dir.File("pid")))));
+// A request while the child runs (its shell ignores SIGTERM, so only the SIGKILL after the
+// grace period ends it), and one after it has ended while a descendant keeps writing (which
+// holds up the drain until then): the run ends with 999 and leaves no descendant behind.
+TEST_F(THostProcessTest, TerminateStopsTheChildAndEverythingItStarted) {
+  const struct {
+    const char* script;
+    std::chrono::milliseconds delay;  // after the child is under way
+  } cases[] = {
+      {"sleep 30 & echo $! > pid; trap '' TERM; touch started; while :; do sleep 0.1; done", 0ms},
+      {"yes & echo $! > pid; touch started", 300ms},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.script);
+    std::filesystem::remove(Dir.File("started"));
+    qv::TAutoResetEvent terminate;
+    std::thread stopper([&] {
+      while (!std::filesystem::exists(Dir.File("started")))
+        std::this_thread::sleep_for(10ms);
+      std::this_thread::sleep_for(c.delay);
+      terminate.Signal();
+    });
+    P->SetTerminateEvent(&terminate);
+    auto start = std::chrono::steady_clock::now();
+    EXPECT_EQ(Shell(std::string("-c \"") + c.script + "\""), qv::kTerminatedExitCode);
+    stopper.join();
+    EXPECT_LT(std::chrono::steady_clock::now() - start, 2s);
+    EXPECT_FALSE(P->GetCleanExit());
+    EXPECT_TRUE(qvtest::ProcessEnds(std::stoi(qvtest::TempDir::Read(Dir.File("pid")))));
+    EXPECT_TRUE(NoChildrenLeft());
+  }
 }
 
 }  // namespace
