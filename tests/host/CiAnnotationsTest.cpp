@@ -10,13 +10,6 @@ using namespace qvhost;
 
 namespace {
 
-std::string Join(const std::vector<std::string>& lines) {
-  std::string s;
-  for (const auto& l : lines)
-    s += l + "\n";
-  return s;
-}
-
 TEST(CiAnnotations, EscapeHostileTextsAsEachAgentReadsThem) {
   const std::string hostile = "50% 'a';b]\r\n[c]:d,e|\xC3\xA9\xF0\x9F\x98\x80";
   EXPECT_EQ(AzureData(hostile), "50%AZP25 'a';b]%0D%0A[c]:d,e|\xC3\xA9\xF0\x9F\x98\x80");
@@ -31,28 +24,26 @@ TEST(CiAnnotations, WriteGroupsDiagnosticsFailuresAndMetricsPerDialect) {
   TLogDiagnostic d{true, "/s/a;b.cs", "", 3, 7, "CS0103", "x 'y' [z]\nnext", "Build", "App"};
   TLogDiagnostic w{false, "", "MSBUILD", 0, 0, "", "w", "", ""};
   std::vector<std::pair<std::string, int64_t>> metrics{{"Compiler.Errors", 2}};
-  std::map<TCiDialect, std::string> expected = {
+  std::map<TCiDialect, std::vector<std::string>> expected = {
       {TCiDialect::Azure,
-       "##[group]Action: Build\n"
-       "##vso[task.logissue type=error;sourcepath=/s/a%3Bb.cs;linenumber=3;columnnumber=7;"
-       "code=CS0103]x 'y' [z]%0Anext\n"
-       "##vso[task.logissue type=warning]w\n"
-       "##[endgroup]\n"
-       "##vso[task.complete result=Failed;]\n"},
+       {"##[group]Action: Build",
+        "##vso[task.logissue type=error;sourcepath=/s/a%3Bb.cs;linenumber=3;columnnumber=7;"
+        "code=CS0103]x 'y' [z]%0Anext",
+        "##vso[task.logissue type=warning]w", "##[endgroup]",
+        "##vso[task.complete result=Failed;]"}},
       {TCiDialect::GitHub,
-       "::group::Action: Build\n"
-       "::error file=/s/a;b.cs,line=3,col=7,title=CS0103::x 'y' [z]%0Anext\n"
-       "::warning::w\n"
-       "::endgroup::\n"},
+       {"::group::Action: Build",
+        "::error file=/s/a;b.cs,line=3,col=7,title=CS0103::x 'y' [z]%0Anext", "::warning::w",
+        "::endgroup::"}},
       {TCiDialect::TeamCity,
-       "##teamcity[blockOpened name='Action: Build']\n"
-       "##teamcity[message text='x |'y|' |[z|]|nnext' status='ERROR' errorDetails='/s/a;b.cs(3,7): "
-       "error CS0103: x |'y|' |[z|]|nnext |[Build, App|]']\n"
-       "##teamcity[message text='w' status='WARNING' errorDetails='MSBUILD : warning: w']\n"
-       "##teamcity[blockClosed name='Action: Build']\n"
-       "##teamcity[buildProblem description='Build failed' identity='Build']\n"
-       "##teamcity[buildStatisticValue key='Compiler.Errors' value='2']\n"},
-      {TCiDialect::None, ""},
+       {"##teamcity[blockOpened name='Action: Build']",
+        "##teamcity[message text='x |'y|' |[z|]|nnext' status='ERROR' "
+        "errorDetails='/s/a;b.cs(3,7): error CS0103: x |'y|' |[z|]|nnext |[Build, App|]']",
+        "##teamcity[message text='w' status='WARNING' errorDetails='MSBUILD : warning: w']",
+        "##teamcity[blockClosed name='Action: Build']",
+        "##teamcity[buildProblem description='Build failed' identity='Build']",
+        "##teamcity[buildStatisticValue key='Compiler.Errors' value='2']"}},
+      {TCiDialect::None, {}},
   };
   for (const auto& [dialect, text] : expected) {
     TCiAnnotations ci(dialect);
@@ -60,7 +51,7 @@ TEST(CiAnnotations, WriteGroupsDiagnosticsFailuresAndMetricsPerDialect) {
     for (const auto& part : {ci.Diagnostic(d), ci.Diagnostic(w), ci.GroupEnd("Action: Build"),
                              ci.ActionFailed("Build"), ci.RunEnd(false, metrics)})
       lines.insert(lines.end(), part.begin(), part.end());
-    EXPECT_EQ(Join(lines), text) << static_cast<int>(dialect);
+    EXPECT_EQ(lines, text) << static_cast<int>(dialect);
   }
 }
 
