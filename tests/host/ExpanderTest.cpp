@@ -14,7 +14,7 @@ std::string Expanded(const TExpander& e, const std::string& text) {
   return error == "(no exception)" ? result : "error: " + error;
 }
 
-TEST(TExpander, CommandLineOverProjectOverEnvironment) {
+TEST(TExpander, LoopOverCommandLineOverProjectOverEnvironment) {
   TExpander e([](const std::string& name) -> std::optional<std::string> {
     if (name == "HOME" || name == "Config" || name == "Target") return "env-" + name;
     return std::nullopt;
@@ -37,18 +37,14 @@ TEST(TExpander, CommandLineOverProjectOverEnvironment) {
   for (const auto& c : cases)
     EXPECT_EQ(Expanded(e, c.text), c.expected) << c.text;
   EXPECT_EQ(e.VariableNames(), (std::vector<std::string>{"CONFIG", "Target"}));
-}
-
-TEST(TExpander, LoopVariablesWinWhileTheirIterationLasts) {
-  TExpander e([](const std::string&) { return std::nullopt; });
-  e.SetOverride("Item", "cli");
-  e.PushLoopVariable("Item", "outer");
-  e.PushLoopVariable("item", "inner");
-  EXPECT_EQ(Expanded(e, "%Item%"), "inner");
+  // A loop variable wins while its iteration lasts.
+  e.PushLoopVariable("Config", "outer");
+  e.PushLoopVariable("config", "inner");
+  EXPECT_EQ(Expanded(e, "%Config%"), "inner");
   e.PopLoopVariable();
-  EXPECT_EQ(Expanded(e, "%Item%"), "outer");
+  EXPECT_EQ(Expanded(e, "%Config%"), "outer");
   e.PopLoopVariable();
-  EXPECT_EQ(Expanded(e, "%Item%"), "cli");
+  EXPECT_EQ(Expanded(e, "%Config%"), "Release");
 }
 
 }  // namespace

@@ -12,30 +12,23 @@ using qvtest::TempDir;
 
 namespace {
 
-class TDemoOptions : public qv::TQvOptionsObject {
- public:
-  static const qv::TPropertyTable PropertyTable;
-  const qv::TPropertyTable& GetPropertyTable() const override { return PropertyTable; }
+// Options kept under "Demo", read from "DemoOld" when only that section exists.
+struct TDemoOptions : qv::TQvOptionsObject {
   std::string GetName() const override { return "Demo"; }
   std::string GetCategory() const override { return "Tests"; }
   std::string GetOptionKey() const override { return "Demo"; }
   std::string GetOldVersionOptionKey() const override { return "DemoOld"; }
   void LoadOptions(qv::IQvOptionsReader& reader) override {
-    TQvOptionsObject::LoadOptions(reader);
     Path = reader.ReadString("Path", "none");
     Count = reader.ReadInteger("Count", -1);
   }
   void SaveOptions(qv::IQvOptionsWriter& writer) override {
-    TQvOptionsObject::SaveOptions(writer);
     writer.WriteString("Path", Path);
     writer.WriteInteger("Count", Count);
   }
   std::string Path;
   int64_t Count = 0;
 };
-
-const qv::TPropertyTable TDemoOptions::PropertyTable{
-    "TDemoOptions", &qv::TQvOptionsObject::PropertyTable, {}};
 
 qv::IntfPtr<TDemoOptions> Loaded(TOptionsStore& store) {
   qv::IntfPtr<TDemoOptions> options(new TDemoOptions);

@@ -8,7 +8,6 @@
 #include "support/TempDir.h"
 
 using qvhost::TPasswordVault;
-using qvtest::TempDir;
 
 namespace {
 
@@ -16,10 +15,10 @@ std::string DecryptError(TPasswordVault& vault, const std::string& text) {
   return qvtest::ErrorOf([&] { vault.Decrypt(text); });
 }
 
-TEST(TPasswordVault, SealsWithAFreshNonceUnderAPrivateKeyFile) {
-  TempDir dir;
+TEST(TPasswordVault, SealsWithAFreshNonceUnderAPrivateKeyAndOpensOnlyWhatItSealed) {
+  qvtest::TempDir dir;
   std::string keyFile = dir.File("config/quorvex/key");
-  TPasswordVault vault(keyFile);
+  TPasswordVault vault(keyFile), other(dir.File("other"));
   std::string a = vault.Encrypt("hunter2"), b = vault.Encrypt("hunter2");
   EXPECT_TRUE(a.starts_with("qvenc1:")) << a;
   EXPECT_NE(a, b);
@@ -27,40 +26,26 @@ TEST(TPasswordVault, SealsWithAFreshNonceUnderAPrivateKeyFile) {
   EXPECT_EQ(vault.Decrypt(b), "hunter2");
   EXPECT_EQ(vault.Encrypt(""), "");
   EXPECT_EQ(vault.Decrypt(""), "");
-
-#ifndef _WIN32  // Windows keeps the user's key itself
-  EXPECT_EQ(std::filesystem::status(keyFile).permissions(),
-            std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
-#endif
   // Another host of the same user reads the same key.
   TPasswordVault later(keyFile);
   EXPECT_EQ(later.Decrypt(a), "hunter2");
-}
 
-TEST(TPasswordVault, RejectsWhatItDidNotSeal) {
-  TempDir dir;
-  TPasswordVault mine(dir.File("mine")), theirs(dir.File("theirs"));
-  std::string sealed = theirs.Encrypt("secret");
-  std::string tampered = sealed;
+  std::string tampered = a;
   tampered[20] = tampered[20] == 'A' ? 'B' : 'A';  // inside the nonce
-#ifdef _WIN32
-  EXPECT_EQ(DecryptError(theirs, tampered),
-            "The password cannot be decrypted by this Windows user");
+#ifdef _WIN32                                      // Windows keeps the user's key itself
+  EXPECT_EQ(DecryptError(vault, tampered), "The password cannot be decrypted by this Windows user");
 #else
-  std::string foreign =
-      "The password cannot be decrypted with the key in \"" + dir.File("mine") + "\"";
-  EXPECT_EQ(DecryptError(mine, sealed), foreign);
-  EXPECT_EQ(DecryptError(theirs, tampered),
-            "The password cannot be decrypted with the key in \"" + dir.File("theirs") + "\"");
-#endif
-  EXPECT_EQ(DecryptError(mine, "secret"), "The password is not in the host's encrypted form");
-  EXPECT_EQ(DecryptError(mine, "qvenc1:!!"), "The password is not in the host's encrypted form");
-#ifndef _WIN32
-  dir.Write("damaged", "not a key\n");
-  TPasswordVault damaged(dir.File("damaged"));
-  EXPECT_EQ(DecryptError(damaged, sealed),
+  EXPECT_EQ(std::filesystem::status(keyFile).permissions(),
+            std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
+  std::string cannot = "The password cannot be decrypted with the key in \"";
+  EXPECT_EQ(DecryptError(other, a), cannot + dir.File("other") + "\"");
+  EXPECT_EQ(DecryptError(vault, tampered), cannot + keyFile + "\"");
+  TPasswordVault damaged(dir.Write("damaged", "not a key\n"));
+  EXPECT_EQ(DecryptError(damaged, a),
             "The password key file \"" + dir.File("damaged") + "\" is damaged");
 #endif
+  EXPECT_EQ(DecryptError(other, "secret"), "The password is not in the host's encrypted form");
+  EXPECT_EQ(DecryptError(other, "qvenc1:!!"), "The password is not in the host's encrypted form");
 }
 
 }  // namespace
