@@ -80,7 +80,7 @@ TEST_F(THostProcessTest, TerminateStopsTheChildAndEverythingItStarted) {
     std::chrono::milliseconds delay;  // after the child is under way
   } cases[] = {
       {"sleep 30 & echo $! > pid; trap '' TERM; touch started; while :; do sleep 0.1; done", 0ms},
-      {"yes & echo $! > pid; touch started", 300ms},
+      {"yes & echo $! > pid; touch started", 200ms},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.script);
