@@ -78,9 +78,6 @@ TEST(MSBuildStructuredOutput, FormatsDiagnosticsCanonically) {
     std::string expected;            // the last message, as "[T] text"
   };
   const Case cases[] = {
-      {"no column",
-       {"@@qv:warning\t/src/Lib/Lib.csproj\ta.cs\t3\t0\tCS2\tm"},
-       "[2] " + Src("/Lib/a.cs") + "(3): warning CS2: m"},
       {"no position", {"@@qv:warning\t\ta.resx\t0\t0\tMSB3\tm"}, "[2] a.resx : warning MSB3: m"},
       {"no file", {"@@qv:error\t\t\t0\t0\tMSB4\tm"}, "[3] MSBUILD : error MSB4: m"},
       {"no code, bad numbers", {"@@qv:error\t\ta.cs\t1\tx\t\tm"}, "[3] a.cs(1): error : m"},
@@ -164,76 +161,46 @@ TEST(MSBuildStructuredOutput, InterleavedInstancesLogAsTheirOwnGroups) {
                 "< [3]\n");
 }
 
-// Without the logger, console lines are counted as they come until the tab-indented
-// summaries of xbuild (which repeats each diagnostic in its closing sections) replace them.
-TEST(MSBuildStructuredOutput, ConsoleCounts) {
+// Without the logger, console lines are logged as they came, tagged by category (the reading
+// is ParseCanonicalMessage's), and counted until the tab-indented summaries of xbuild (which
+// repeats each diagnostic in its closing sections) replace what they counted.
+TEST(MSBuildStructuredOutput, ConsoleLinesAreTaggedAndCounted) {
   struct Case {
     int64_t errors, warnings;
+    const char* tags;  // of each line logged; blank lines are skipped
     std::vector<std::string> lines;
   } cases[] = {
       // Counts no int holds are read into 64 bits, and their sum clamps.
-      {4294967294, 0, {"2147483647 Error(s)", "2147483647 Error(s)"}},
-      {INT64_MAX, 0, {"99999999999999999999 Error(s)", "1 Error(s)"}},
+      {4294967294, 0, "33", {"2147483647 Error(s)", "2147483647 Error(s)"}},
+      {INT64_MAX, 0, "33", {"99999999999999999999 Error(s)", "1 Error(s)"}},
       {2,
        1,
+       "332",
        {"a.cs(1,1): error CS1: x", "MSBUILD : error MSB1009: No project.",
         "b.cs(2): warning CS2: y"}},
-      {12, 0, {"a.cs(1,1): error CS1: x", "    12 Error(s)", "     0 Warning(s)"}},
-      {0, 3, {"\t 3 Warning(s)  \r"}},
-      {0, 0, {"3 Error(s) found", "Error(s)", "x 3 Error(s)", " 3  Error(s)"}},  // no summaries
+      {12, 0, "330", {"a.cs(1,1): error CS1: x", "    12 Error(s)", "     0 Warning(s)"}},
+      {0, 3, "2", {"\t 3 Warning(s)  \r"}},
+      {0, 0, "0000", {"3 Error(s) found", "Error(s)", "x 3 Error(s)", " 3  Error(s)"}},
       {1,
        1,
-       {"a.cs(1,1): warning CS1: x", "\ta.cs(1,1): warning CS1: x", "\t 1 Warning(s)",
-        "\t 0 Error(s)", "b.cs(2,2): error CS2: y", "\tb.cs(2,2): error CS2: y", "\t 0 Warning(s)",
-        "\t 1 Error(s)"}},
+       "202203303",
+       {"a.cs(1,1): warning CS1: x", "Warnings:", "\ta.cs(1,1): warning CS1: x", "\t 1 Warning(s)",
+        "\t 0 Error(s)", "", "12>C:\\src\\a.cs(3,4): error CS1002: ; expected",
+        "\t12>C:\\src\\a.cs(3,4): error CS1002: ; expected", "\t 0 Warning(s)", "\t 1 Error(s)"}},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.lines.front());
     Reader r;
     r.Feed(c.lines);
+    std::vector<std::string> expected;
+    for (const std::string& line : c.lines)
+      if (!line.empty())
+        expected.push_back("[" + std::string(1, c.tags[expected.size()]) + "] " +
+                           line.substr(0, line.find_last_not_of(" \r") + 1));
+    EXPECT_EQ(r.ctx->Messages(), expected);
     EXPECT_EQ(r.helper.GetErrorCount(), c.errors);
     EXPECT_EQ(r.helper.GetWarningCount(), c.warnings);
   }
-}
-
-TEST(MSBuildStructuredOutput, ClassifiesCanonicalConsoleLines) {
-  const std::pair<const char*, int> cases[] = {
-      {"\tGreeter.cs(8): warning CS1030: text", 2},
-      {"C:\\src\\a.cs(1,2): warning CS0168: unused", 2},
-      {"12>C:\\src\\a.cs(3,4): error CS1002: ; expected", 3},
-      {"a: error X: an origin of one letter is no drive", 3},
-      {"error CS2001: Source file `x.cs' could not be found", 3},
-      {"CSC : fatal error CS0009: Metadata file could not be opened", 3},
-      {"a.cs(1,1): ERROR cs1: upper case", 3},
-      {"a.cs: warning: no code", 2},
-      {"\t 1 Warning(s)", 2},
-      {"\t 1 Error(s)", 3},
-      {"Warnings:", 0},
-      {"\tTarget CoreCompile:", 0},
-      {"Tool mcs.exe execution started with arguments: /noconfig /warn:4", 0},
-      {"a.cs(1,1): errors CS1: plural", 0},
-      {"a.cs(1,1): error CS1 CS2: two codes", 0},
-      {"a.cs(1,1): myerror CS1: glued word", 0},
-      {"", -1},  // blank lines are skipped
-  };
-  for (const auto& [line, tag] : cases) {
-    SCOPED_TRACE(line);
-    Reader r;
-    r.Feed({line});
-    EXPECT_EQ(r.ctx->Messages(),
-              tag < 0 ? std::vector<std::string>{}
-                      : std::vector<std::string>{"[" + std::to_string(tag) + "] " + line});
-  }
-}
-
-TEST(MSBuildStructuredOutput, OnceTheLoggerSpeaksConsoleLinesNoLongerCount) {
-  Reader r;
-  r.Feed({"@@qv:buildStarted", "a.cs(1,1): error CS1: printed by another logger", "\t 5 Error(s)",
-          "@@qv:error\t\ta.cs\t1\t1\tCS1\tm"});
-  EXPECT_EQ(r.ctx->Messages(),
-            (std::vector<std::string>{"[3] a.cs(1,1): error CS1: printed by another logger",
-                                      "[3] \t 5 Error(s)", "[3] a.cs(1,1): error CS1: m"}));
-  EXPECT_EQ(r.helper.GetErrorCount(), 1);
 }
 
 TEST(MSBuildStructuredOutput, DisabledHelperIgnoresEverythingAndStartResets) {
@@ -242,15 +209,24 @@ TEST(MSBuildStructuredOutput, DisabledHelperIgnoresEverythingAndStartResets) {
   EXPECT_EQ(r.ctx->Transcript(), "");
   EXPECT_EQ(r.helper.GetErrorCount(), 0);
 
+  // Once the logger speaks, console lines are still logged but no longer count.
   r.helper.Start("/src/App.sln", true);
-  r.Feed({"@@qv:projectStarted\t/src/Lib/Lib.csproj\t", "@@qv:error\t\ta.cs\t1\t1\tCS1\tm"});
+  r.Feed({"@@qv:projectStarted\t/src/Lib/Lib.csproj\t",
+          "a.cs(1,1): error CS1: printed by another logger", "\t 5 Error(s)",
+          "@@qv:error\t\ta.cs\t1\t1\tCS1\tm"});
   EXPECT_EQ(r.helper.GetErrorCount(), 1);
   // A new run forgets the counts, the open project and that the logger was seen.
   r.helper.Start("/src/App.sln", true);
   r.Feed({"\t 2 Warning(s)", "@@qv:projectFinished\t/src/Lib/Lib.csproj\tFalse"});
   EXPECT_EQ(r.helper.GetErrorCount(), 0);
   EXPECT_EQ(r.helper.GetWarningCount(), 2);
-  EXPECT_EQ(r.ctx->Depth, 1);  // the first run's group stays open: Finish was not called
+  // The first run's group stays open: Finish was not called.
+  EXPECT_EQ(r.ctx->Transcript(),
+            "> Project Lib.csproj (type 0) [0]\n"
+            "  [3] a.cs(1,1): error CS1: printed by another logger\n"
+            "  [3] \t 5 Error(s)\n"
+            "  [3] a.cs(1,1): error CS1: m\n"
+            "  [2] \t 2 Warning(s)\n");
 }
 
 }  // namespace
