@@ -50,6 +50,7 @@ class TRunner : public TQvExecuteAbstractAction {
   std::string GetExecutable() override { return Exe; }
   bool GetCommandLine(ICommandLineBuilder* b) override {
     b->AddArgument("/testcontainer:", "My Tests.dll", caoJoinQuoted);
+    b->AddArgument("/resultsfile:", "out.trx", caoJoinQuoted);
     b->AddArgument("/nologo", "", 0);
     return BuildOk;
   }
@@ -60,42 +61,36 @@ class TRunner : public TQvExecuteAbstractAction {
 TEST(TQvExecuteAbstractAction, RunsTheExecutableAndInterpretsTheResult) {
   qvtest::TempDir dir;
   auto ctx = RecordingActionContext::Create();
-  ctx->Scripts = {{{"7/9 test(s) Passed\r\n"}, 5, true, {"warn\n"}},
-                  {{}, 1},
-                  {{}, 0, false},
-                  {{}, kTerminatedExitCode}};
   TRunner r;
   r.BindContext(ctx);
-  r.Exe = dir.Write("MSTest.exe", "");
-
-  EXPECT_TRUE(r.Execute());
-  EXPECT_EQ(ctx->Runs[0].params, "/testcontainer:\"My Tests.dll\" /nologo");
-  EXPECT_EQ(ctx->Runs[0].dir, "/work");
-  EXPECT_EQ(ctx->Messages(),
-            (std::vector<std::string>{"[0] Running " + r.Exe +
-                                          " with parameters : /testcontainer:\"My Tests.dll\" "
-                                          "/nologo",
-                                      "[0] 7/9 test(s) Passed", "[0] warn"}));
-  EXPECT_FALSE(r.Execute());
-  EXPECT_FALSE(r.Execute()) << "a killed child is no success";
-  EXPECT_FALSE(r.Execute());
-  EXPECT_EQ(ctx->Messages().back(), "[3] Action Terminated by User.");
-}
-
-TEST(TQvExecuteAbstractAction, MissingExecutableOrCommandLineStopsBeforeRunning) {
-  auto ctx = RecordingActionContext::Create();
-  TRunner r;
-  r.BindContext(ctx);
+  // Nothing runs without an executable or a command line.
   r.Exe = "/nonexistent/MSTest.exe";
   EXPECT_EQ(qvtest::ErrorOf<EFailAction>([&] { r.Execute(); }),
             "Executable not found : /nonexistent/MSTest.exe");
   r.Exe = "";
   EXPECT_FALSE(r.Execute());
-  qvtest::TempDir dir;
   r.Exe = dir.Write("MSTest.exe", "");
   r.BuildOk = false;
   EXPECT_FALSE(r.Execute());
   EXPECT_TRUE(ctx->Runs.empty());
+
+  r.BuildOk = true;
+  ctx->Scripts = {{{"7/9 test(s) Passed\r\n"}, 5, true, {"warn\n"}},
+                  {{}, 1},
+                  {{}, 0, false},
+                  {{}, kTerminatedExitCode}};
+  EXPECT_TRUE(r.Execute());
+  const std::string params = "/testcontainer:\"My Tests.dll\" /resultsfile:out.trx /nologo";
+  EXPECT_EQ(ctx->Runs[0].params, params);
+  EXPECT_EQ(ctx->Runs[0].dir, "/work");
+  EXPECT_EQ(ctx->Messages(),
+            (std::vector<std::string>{"[3] No executable to run.",
+                                      "[0] Running " + r.Exe + " with parameters : " + params,
+                                      "[0] 7/9 test(s) Passed", "[0] warn"}));
+  EXPECT_FALSE(r.Execute());
+  EXPECT_FALSE(r.Execute()) << "a killed child is no success";
+  EXPECT_FALSE(r.Execute());
+  EXPECT_EQ(ctx->Messages().back(), "[3] Action Terminated by User.");
 }
 
 }  // namespace

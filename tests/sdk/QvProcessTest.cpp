@@ -11,10 +11,7 @@ namespace {
 using Args = std::vector<std::string>;
 
 TEST(SplitCommandLine, FollowsTheWindowsRuntimeRules) {
-  struct Case {
-    const char* text;
-    Args args;
-  } cases[] = {
+  const std::pair<const char*, Args> cases[] = {
       {"/t:Build /p:Configuration=Release;Platform=\"Any CPU\" /v:normal",
        {"/t:Build", "/p:Configuration=Release;Platform=Any CPU", "/v:normal"}},
       {"  a\t b  ", {"a", "b"}},
@@ -28,8 +25,8 @@ TEST(SplitCommandLine, FollowsTheWindowsRuntimeRules) {
        {"/build", "Release|Win32/project", "App\\App.vcproj", "S.sln"}},
       {"", {}},
   };
-  for (const auto& c : cases)
-    EXPECT_EQ(SplitCommandLine(c.text), c.args) << c.text;
+  for (const auto& [text, args] : cases)
+    EXPECT_EQ(SplitCommandLine(text), args) << text;
 }
 
 TEST(QuoteCommandLineArg, SurvivesSplitting) {
@@ -38,20 +35,6 @@ TEST(QuoteCommandLineArg, SurvivesSplitting) {
     EXPECT_EQ(SplitCommandLine(quoted), Args{arg}) << quoted;
   }
   EXPECT_EQ(QuoteCommandLineArg("plain"), "plain");
-}
-
-TEST(CommandLineBuilder, JoinsSwitchesAndValuesByOption) {
-  IntfPtr<ICommandLineBuilder> b = NewCommandLineBuilder();
-  b->Reset(0);
-  b->AddArgument("/testcontainer:", "C:\\Tests\\My Tests.dll", caoJoinQuoted);
-  b->AddArgument("/resultsfile:", "out.trx", caoJoinQuoted);
-  IntfPtr<IArgument> nologo = b->AddArgument("/nologo", "", 0);
-  EXPECT_EQ(nologo->GetText(), "/nologo");
-  EXPECT_EQ(b->GetCommandLine(),
-            "/testcontainer:\"C:\\Tests\\My Tests.dll\" /resultsfile:out.trx /nologo");
-  EXPECT_EQ(b->GetCount(), 3);
-  b->Reset(0);
-  EXPECT_EQ(b->GetCommandLine(), "");
 }
 
 TEST(TAutoResetEvent, SignalFromAnotherThreadWakesOneWaitAndResets) {
