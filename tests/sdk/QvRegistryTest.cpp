@@ -16,31 +16,27 @@ const std::string kVs8 = "SOFTWARE\\Microsoft\\VisualStudio\\8.0";
 const std::string kVs9 = "SOFTWARE\\Microsoft\\VisualStudio\\9.0";
 
 TEST(TRegFileRegistry, ReadsStringValuesOfAnExport) {
-  auto reg = TRegFileRegistry::LoadFromText(kExport, "vs.reg");
-  auto read = [&](const std::string& key, const std::string& name,
-                  TRegistryRoot root = TRegistryRoot::LocalMachine) {
-    std::string v;
-    return reg->ReadString(root, key, name, v) ? v : "(not found)";
-  };
-  EXPECT_EQ(read(kVs8, "InstallDir"),
-            "C:\\Program Files\\Microsoft Visual Studio 8\\Common7\\IDE\\");
-  EXPECT_EQ(read("software\\microsoft\\visualstudio\\8.0", "quoted"), "say \"hi\"");
-  EXPECT_EQ(read(kVs8, ""), "default value");
-  EXPECT_EQ(read(kVs9, "InstallDir"), "D:\\VS9\\");
-  EXPECT_EQ(read(kVs8, "Flags"), "(not found)") << "not a string";
-  EXPECT_EQ(read(kVs9, "Gone"), "(not found)");
-  EXPECT_EQ(read("SOFTWARE\\Old", "A"), "(not found)");
-  EXPECT_EQ(read(kVs9, "InstallDir", TRegistryRoot::CurrentUser), "(not found)");
-}
-
-TEST(TRegFileRegistry, ReadsUtf16ExportsFromDisk) {
   qvtest::TempDir dir;
-  std::string bytes = "\xFF\xFE";
+  std::string utf16 = "\xFF\xFE";  // as regedit writes its exports
   for (char c : kExport)
-    bytes += std::string{c, '\0'};
-  auto reg = TRegFileRegistry::LoadFromFile(dir.Write("vs.reg", bytes));
-  std::string v;
-  EXPECT_TRUE(reg->ReadString(TRegistryRoot::LocalMachine, kVs9, "InstallDir", v));
+    utf16 += std::string{c, '\0'};
+  for (const auto& reg : {TRegFileRegistry::LoadFromText(kExport, "vs.reg"),
+                          TRegFileRegistry::LoadFromFile(dir.Write("vs.reg", utf16))}) {
+    auto read = [&](const std::string& key, const std::string& name,
+                    TRegistryRoot root = TRegistryRoot::LocalMachine) {
+      std::string v;
+      return reg->ReadString(root, key, name, v) ? v : "(not found)";
+    };
+    EXPECT_EQ(read(kVs8, "InstallDir"),
+              "C:\\Program Files\\Microsoft Visual Studio 8\\Common7\\IDE\\");
+    EXPECT_EQ(read("software\\microsoft\\visualstudio\\8.0", "quoted"), "say \"hi\"");
+    EXPECT_EQ(read(kVs8, ""), "default value");
+    EXPECT_EQ(read(kVs9, "InstallDir"), "D:\\VS9\\");
+    EXPECT_EQ(read(kVs8, "Flags"), "(not found)") << "not a string";
+    EXPECT_EQ(read(kVs9, "Gone"), "(not found)");
+    EXPECT_EQ(read("SOFTWARE\\Old", "A"), "(not found)");
+    EXPECT_EQ(read(kVs9, "InstallDir", TRegistryRoot::CurrentUser), "(not found)");
+  }
 }
 
 TEST(TRegFileRegistry, ReportsFileAndLine) {

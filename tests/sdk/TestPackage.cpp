@@ -6,19 +6,10 @@
 
 namespace {
 std::string gTrace;
-void InitA() {
-  gTrace += "initA;";
-}
-void InitB() {
-  gTrace += "initB;";
-}
-void FinitA() {
-  gTrace += "finitA;";
-}
-void FinitB() {
-  gTrace += "finitB;";
-}
-const qv::TPackageUnitInfo kUnits[] = {{"UnitA", InitA, FinitA}, {"UnitB", InitB, FinitB}};
+const qv::TPackageUnitInfo kUnits[] = {
+    {"UnitA", [] { gTrace += "initA;"; }, [] { gTrace += "finitA;"; }},
+    {"UnitB", [] { gTrace += "initB;"; }, [] { gTrace += "finitB;"; }},
+};
 const char* const kRequires[] = {"QvCoreAPI"};
 const qv::TPackageInfoTable kTable{"TestPackage", 2, kUnits, 1, kRequires};
 }  // namespace
