@@ -1,5 +1,7 @@
 #include "HostTestSupport.h"
 
+#include <regex>
+
 #include "QvPlatform.h"
 
 namespace qvhosttest {
@@ -51,25 +53,9 @@ qvtest::CommandResult RunQvhost(const qvtest::TempDir& dir, const std::string& a
 }
 #endif
 
-// Replaces each number behind " in " (when " s" follows), "time": or "seconds": by "T".
 std::string WithoutTimes(std::string_view log) {
-  std::string out;
-  size_t pos = 0;
-  while (pos < log.size()) {
-    size_t at = std::string_view::npos, len = 0;
-    for (std::string_view marker : {" in ", "\"time\":", "\"seconds\":"})
-      if (size_t p = log.find(marker, pos); p < at) at = p, len = marker.size();
-    if (at == std::string_view::npos) break;
-    size_t end = at + len;
-    while (end < log.size() && (isdigit(static_cast<unsigned char>(log[end])) || log[end] == '.'))
-      ++end;
-    bool time = end > at + len && (len != 4 || log.substr(end, 2) == " s");
-    out.append(log.substr(pos, at + len - pos));
-    out += time ? "T" : std::string(log.substr(at + len, end - at - len));
-    pos = end;
-  }
-  out.append(log.substr(pos));
-  return out;
+  std::string out = std::regex_replace(std::string(log), std::regex(" in [0-9.]+ s"), " in T s");
+  return std::regex_replace(out, std::regex("(\"time\"|\"seconds\"):[0-9.]+"), "$1:T");
 }
 
 }  // namespace qvhosttest

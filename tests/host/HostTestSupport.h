@@ -31,7 +31,7 @@ std::string QvhostCommand(const qvtest::TempDir& dir, const std::string& args,
 qvtest::CommandResult RunQvhost(const qvtest::TempDir& dir, const std::string& args,
                                 const std::string& env = "");
 
-// The log with every elapsed time ("in 1.234 s") written as "in T s".
+// The log with every elapsed time written as T: "in T s", "time":T and "seconds":T.
 std::string WithoutTimes(std::string_view log);
 
 }  // namespace qvhosttest

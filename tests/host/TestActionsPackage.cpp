@@ -102,7 +102,7 @@ const TPropDescriptor kFailProps[] = {
 const TPropertyTable TQvTestFailAction::PropertyTable{"TQvTestFailAction",
                                                       &TCustomQvAction::PropertyTable, kFailProps};
 
-// Counts its runs in a dynamic property and, when named, in a property set's "Build" value.
+// Counts its runs in a dynamic property and in the "Build" value of the property set it names.
 class TQvTestCounterAction : public TCustomQvAction {
  public:
   static const TPropertyTable PropertyTable;
@@ -113,10 +113,8 @@ class TQvTestCounterAction : public TCustomQvAction {
     ++BuildNumber;
     RegisterDynamicProperty("BuildNumber");
     SendMessage("Build number " + IntToStr(BuildNumber));
-    if (PropertySet.empty()) return true;
-    IntfPtr<IQvPropertySet> set = FindPropertySet(PropertySet);
-    if (!set) throw EFailAction("No property set named " + PropertySet);
-    set->SetValue("Build", IntToStr(BuildNumber));
+    if (IntfPtr<IQvPropertySet> set = FindPropertySet(PropertySet))
+      set->SetValue("Build", IntToStr(BuildNumber));
     return true;
   }
 
@@ -185,31 +183,25 @@ const TPropDescriptor kLoopProps[] = {
 const TPropertyTable TQvTestLoopAction::PropertyTable{"TQvTestLoopAction",
                                                       &TQvBaseIterator::PropertyTable, kLoopProps};
 
-// Runs a program; its standard error is logged as warnings.
+// Runs a program with its arguments.
 class TQvTestRunAction : public TQvExecuteAbstractAction {
  public:
   static const TPropertyTable PropertyTable;
   const TPropertyTable& GetPropertyTable() const override { return PropertyTable; }
   std::string GetActionName() const override { return "Run Program"; }
 
-  std::string GetExecutable() override { return ExpandExpression(Program, true); }
+  std::string GetExecutable() override { return Program; }
   bool GetCommandLine(ICommandLineBuilder* builder) override {
-    builder->AddArgument(ExpandExpression(Arguments, false), "", 0);
+    builder->AddArgument(Arguments, "", 0);
     return true;
   }
-  std::string GetStartingDir() override { return Folder; }
-  void OnStdErrData(IQvProcess*, std::string_view chunk) override {
-    ForEachLine(chunk,
-                [&](std::string_view l) { SendMessage(std::string(l), TStatusTag::Warning); });
-  }
 
-  std::string Program, Arguments, Folder;
+  std::string Program, Arguments;
 };
 
 const TPropDescriptor kRunProps[] = {
     StrProp<TQvTestRunAction, &TQvTestRunAction::Program>("Program"),
     StrProp<TQvTestRunAction, &TQvTestRunAction::Arguments>("Arguments"),
-    StrProp<TQvTestRunAction, &TQvTestRunAction::Folder>("Folder"),
 };
 const TPropertyTable TQvTestRunAction::PropertyTable{
     "TQvTestRunAction", &TQvExecuteAbstractAction::PropertyTable, kRunProps};
@@ -222,28 +214,19 @@ class TQvTestOptions : public TQvOptionsObject {
   std::string GetName() const override { return "Host Test Options"; }
   std::string GetCategory() const override { return kCategory; }
   std::string GetOptionKey() const override { return "QvHostTest"; }
-  std::string GetOldVersionOptionKey() const override { return "QvHostTest1"; }
 
   void LoadOptions(IQvOptionsReader& reader) override {
     TQvOptionsObject::LoadOptions(reader);
     ToolFolder = reader.ReadString("ToolFolder", "");
     Level = reader.ReadInteger("Level", 1);
-    std::string found;
-    if (ToolFolder.empty() &&
-        RegistryReadString(TRegistryRoot::LocalMachine, "SOFTWARE\\Quorvex\\HostTest", "ToolFolder",
-                           found)) {
-      ToolFolder = found;
-      FModified = true;
-    }
+    if (ToolFolder.empty())
+      FModified = RegistryReadString(TRegistryRoot::LocalMachine, "SOFTWARE\\Quorvex\\HostTest",
+                                     "ToolFolder", ToolFolder);
   }
   void SaveOptions(IQvOptionsWriter& writer) override {
     TQvOptionsObject::SaveOptions(writer);
     writer.WriteString("ToolFolder", ToolFolder);
     writer.WriteInteger("Level", Level);
-  }
-  void SetLevel(int64_t level) {
-    FModified = FModified || level != Level;
-    Level = level;
   }
 
   std::string ToolFolder;
@@ -252,16 +235,10 @@ class TQvTestOptions : public TQvOptionsObject {
 
 const TPropDescriptor kOptionsProps[] = {
     StrProp<TQvTestOptions, &TQvTestOptions::ToolFolder>("ToolFolder"),
-    IntProp<TQvTestOptions, &TQvTestOptions::Level, &TQvTestOptions::SetLevel>("Level", "1"),
+    IntProp<TQvTestOptions, &TQvTestOptions::Level>("Level", "1"),
 };
 const TPropertyTable TQvTestOptions::PropertyTable{"TQvTestOptions",
                                                    &TQvOptionsObject::PropertyTable, kOptionsProps};
-
-TQvTestOptions* TestOptions() {
-  if (!QvOptionsServices) return nullptr;
-  IntfPtr<IInterface> found = QvOptionsServices->FindOptions("Host Test Options", kCategory);
-  return dynamic_cast<TQvTestOptions*>(found.Get());
-}
 
 // Shows the options and a framework folder as the host supplies them; can change the level.
 class TQvTestEnvironmentAction : public TCustomQvAction {
@@ -271,13 +248,16 @@ class TQvTestEnvironmentAction : public TCustomQvAction {
   std::string GetActionName() const override { return "Show Environment"; }
 
   bool Execute() override {
-    TQvTestOptions* options = TestOptions();
-    if (!options) throw EFailAction("The host has no test options");
-    if (NewLevel > 0) options->SetLevel(NewLevel);
+    IntfPtr<IInterface> found = QvOptionsServices->FindOptions("Host Test Options", kCategory);
+    auto* options = dynamic_cast<TQvTestOptions*>(found.Get());
+    if (NewLevel > 0 && NewLevel != options->Level) {
+      options->Level = NewLevel;
+      options->SetModified(true);
+    }
     SendMessage("Tool folder: " + options->ToolFolder);
     SendMessage("Level: " + IntToStr(options->Level));
     if (Framework.empty()) return true;
-    IntfPtr<IQvDotNetFramework> fw = QvDotNetInfo ? QvDotNetInfo->GetFramework(Framework) : nullptr;
+    IntfPtr<IQvDotNetFramework> fw = QvDotNetInfo->GetFramework(Framework);
     SendMessage(fw ? "Framework " + fw->GetVersion() + ": " + fw->GetFolder()
                    : "Framework " + Framework + " is not installed");
     return true;
@@ -294,13 +274,12 @@ const TPropDescriptor kEnvironmentProps[] = {
 const TPropertyTable TQvTestEnvironmentAction::PropertyTable{
     "TQvTestEnvironmentAction", &TCustomQvAction::PropertyTable, kEnvironmentProps};
 
-TScriptValue Describe(TCustomQvAction& self, const std::vector<TScriptValue>& args) {
-  return (args.empty() ? std::string() : ScriptValueToString(args[0])) + self.GetPropValue("Text");
+// The script method and global object are only listed, never called.
+TScriptValue Describe(TCustomQvAction&, const std::vector<TScriptValue>&) {
+  return {};
 }
-
 TScriptValue HostTestOptions(const std::vector<TScriptValue>&) {
-  TQvTestOptions* options = TestOptions();
-  return options ? IntfPtr<IInterface>(static_cast<IInterface*>(options)) : TScriptValue();
+  return {};
 }
 
 void RegisterDesignTime() {
