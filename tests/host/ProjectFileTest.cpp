@@ -62,7 +62,8 @@ TEST(TProjectFile, ReportsAMalformedFileWithItsLine) {
             "FILE:1: A project file must be UTF-8 text, not UTF-16");
 }
 
-// Each value form the file may use is rewritten in its own form; nothing else changes.
+// Each value form the file may use is rewritten in its own form; nothing else changes, and a
+// file without changes, or changed by someone else meanwhile, is not written.
 TEST(TProjectFile, RewritesOnlyTheChangedValues) {
   const std::string original =
       "<QvProject>\n"
@@ -81,11 +82,13 @@ TEST(TProjectFile, RewritesOnlyTheChangedValues) {
   std::string file = dir.Write("p.qvproj", original);
   auto project = TProjectFile::Load(file);
   auto first = project->Actions()[0].Node, second = project->Actions()[1].Node;
+  project->SetProperty(first, "Same", "same", false);
+  project->SetProperty(first, "Missing", "", false);
+  EXPECT_FALSE(project->SaveChanges());
   project->SetProperty(first, "attr", "2 & \"3\" 'x'", false);
   project->SetProperty(first, "Text", "new <value>", false);
   project->SetProperty(first, "Empty", "filled", false);
   project->SetProperty(first, "List", "b\r\nc\r\n", true);
-  project->SetProperty(first, "Same", "same", false);
   project->SetProperty(first, "Added", "x", false);
   project->SetProperty(first, "Added2", "y", false);
   project->SetProperty(second, "Counter", "7", false);
@@ -113,28 +116,9 @@ TEST(TProjectFile, RewritesOnlyTheChangedValues) {
   auto reloaded = TProjectFile::Load(file);
   EXPECT_EQ(reloaded->Actions()[0].Properties[0].Value, "2 & \"3\" 'x'");
   EXPECT_EQ(reloaded->Actions()[0].Properties[1].Value, "new <value>");
-}
-
-TEST(TProjectFile, LeavesTheFileAloneWithoutChanges) {
-  TempDir dir;
-  std::string text =
-      "<QvProject><Actions><Action type='T'><Property name='N' value='1'/>"
-      "</Action></Actions></QvProject>";
-  std::string file = dir.Write("p.qvproj", text);
-  auto project = TProjectFile::Load(file);
-  project->SetProperty(project->Actions()[0].Node, "N", "1", false);
-  project->SetProperty(project->Actions()[0].Node, "Missing", "", false);
-  EXPECT_FALSE(project->SaveChanges());
-}
-
-TEST(TProjectFile, RefusesToOverwriteAFileChangedDuringTheRun) {
-  TempDir dir;
-  std::string file =
-      dir.Write("p.qvproj", "<QvProject><Actions><Action type='T'/></Actions></QvProject>");
-  auto project = TProjectFile::Load(file);
-  project->SetProperty(project->Actions()[0].Node, "N", "2", false);
+  reloaded->SetProperty(reloaded->Actions()[1].Node, "Counter", "8", false);
   dir.Write("p.qvproj", "<QvProject/>");
-  EXPECT_EQ(qvtest::ErrorOf([&] { project->SaveChanges(); }),
+  EXPECT_EQ(qvtest::ErrorOf([&] { reloaded->SaveChanges(); }),
             "Project file \"" + file +
                 "\" changed on disk during the run; its new values were not saved");
   EXPECT_EQ(TempDir::Read(file), "<QvProject/>");
