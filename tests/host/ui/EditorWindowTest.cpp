@@ -18,27 +18,16 @@
 
 namespace {
 
-const char* kProject =
-    "<?xml version=\"1.0\"?>\n"
-    "<!-- a build engineer's comment stays -->\n"
-    "<QvProject>\n"
-    "  <Actions>\n"
-    "    <Action type=\"TQvVSDotNetAction\" caption=\"Build\">\n"
-    "      <Property name=\"Solution\">" QV_EXAMPLES_DIR
-    "/vs2008/Greeting.sln</Property>\n"
-    "      <Property name=\"VStudioVersion\">vs2008</Property>\n"
-    "    </Action>\n"
-    "    <Action type=\"TQvMSTestAction\" caption=\"Tests\"/>\n"
-    "  </Actions>\n"
-    "</QvProject>\n";
-
+// A design-time session with the package, over a copy of the demo build process.
 struct EditorWindow : ::testing::Test {
   qvtest::TempDir dir;
-  std::string project = dir.Write("p.qvproj", kProject);
-  std::unique_ptr<qvhost::THostSession> session;
+  const std::string demo = qvtest::TempDir::Read(QV_EXAMPLES_DIR "/demo/Greeting.qvproj");
+  std::string project = dir.Write("demo.qvproj", demo);
   std::ostringstream out;
+  qvhost::THostSession session{Settings(), out};
+  std::unique_ptr<qvhost::TActionEditor> editor;
 
-  void SetUp() override {
+  qvhost::THostSettings Settings() const {
     qvhost::THostSettings s;
     s.DesignTime = true;
     s.DefaultPackages = false;
@@ -46,7 +35,13 @@ struct EditorWindow : ::testing::Test {
     s.OptionsFile = dir.File("options.xml");
     s.KeyFile = dir.File("key");
     s.RegistryFile = dir.Write("empty.reg", "REGEDIT4\n");
-    session = std::make_unique<qvhost::THostSession>(s, out);
+    return s;
+  }
+  std::unique_ptr<QDialog> Open(const char* action) {
+    editor = session.OpenEditor(project, action);
+    auto dialog = qvhost::ui::MakeEditorDialog(*editor, session.ProjectVariableNames());
+    dialog->show();
+    return dialog;
   }
   template <class W>
   static W* Find(QDialog& d, const char* name) {
@@ -54,9 +49,8 @@ struct EditorWindow : ::testing::Test {
     EXPECT_TRUE(w) << name;
     return w;
   }
-  static void Ok(QDialog& d) {
-    QTest::mouseClick(d.findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Ok),
-                      Qt::LeftButton);
+  static void Press(QDialog& d, QDialogButtonBox::StandardButton button) {
+    QTest::mouseClick(d.findChild<QDialogButtonBox*>()->button(button), Qt::LeftButton);
   }
   static void Choose(QComboBox* combo, int index) {
     combo->setCurrentIndex(index);
@@ -65,74 +59,48 @@ struct EditorWindow : ::testing::Test {
 };
 
 TEST_F(EditorWindow, ClicksReachThePagesAndOkSavesOnlyWhatChanged) {
-  auto editor = session->OpenEditor(project, "Build");
-  auto dialog = qvhost::ui::MakeEditorDialog(*editor, {});
-  dialog->show();
+  auto dialog = Open("2");
   auto* tabs = dialog->findChild<QTabWidget*>();
   ASSERT_EQ(tabs->count(), 6);
   EXPECT_EQ(tabs->tabText(0), "Solution");
   Choose(Find<QComboBox>(*dialog, "cboVSVersion"), 1);  // Visual Studio .NET 2003
   EXPECT_FALSE(Find<QCheckBox>(*dialog, "chkUseMSBuild")->isEnabled());
-  for (int tab : {1, 2}) {  // the Paths and Build pages both say MSBuild is needed
-    tabs->setCurrentIndex(tab);
-    EXPECT_TRUE(tabs->currentWidget()->findChild<QLabel*>("lblUseMSbuildRequired")->isVisible());
-  }
+  tabs->setCurrentIndex(2);  // the Build page says MSBuild is needed
+  EXPECT_TRUE(tabs->currentWidget()->findChild<QLabel*>("lblUseMSbuildRequired")->isVisible());
   tabs->setCurrentIndex(0);
   Choose(Find<QComboBox>(*dialog, "cboVSVersion"), 3);
   tabs->setCurrentIndex(2);
   QTest::mouseClick(Find<QCheckBox>(*dialog, "chkOverrideWarnings"), Qt::LeftButton);
   QTest::mouseClick(Find<QCheckBox>(*dialog, "chkAllWarningsAsErrors"), Qt::LeftButton);
   EXPECT_FALSE(Find<QCheckBox>(*dialog, "chkSpecifiedWarningsAsErrors")->isEnabled());
-  Ok(*dialog);
+  Press(*dialog, QDialogButtonBox::Ok);
   EXPECT_EQ(dialog->result(), QDialog::Accepted);
-  std::string expected = kProject;
-  expected.insert(expected.find("    </Action>\n    <Action type=\"TQvMSTest"),
+  std::string expected = demo;
+  expected.insert(expected.find("    </Action>", expected.find("Build the Greeting solution")),
                   "      <Property name=\"OverrideWarnings\">True</Property>\n"
                   "      <Property name=\"AllWarningsAsErrors\">True</Property>\n");
   EXPECT_EQ(qvtest::TempDir::Read(project), expected);
 }
 
-TEST_F(EditorWindow, CancelWritesNothingAndStandaloneMSTestIsSaved) {
-  auto editor = session->OpenEditor(project, "2");
-  auto dialog = qvhost::ui::MakeEditorDialog(*editor, {});
-  dialog->show();
-  Choose(Find<QComboBox>(*dialog, "cmbVSVer"), 3);  // Standalone MSTest
-  QTest::mouseClick(dialog->findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Cancel),
-                    Qt::LeftButton);
-  EXPECT_EQ(qvtest::TempDir::Read(project), kProject);
-  Choose(Find<QComboBox>(*dialog, "cmbVSVer"), 3);
-  Ok(*dialog);
-  std::string expected = kProject;
-  expected.replace(expected.find("<Action type=\"TQvMSTestAction\" caption=\"Tests\"/>"),
-                   std::string("<Action type=\"TQvMSTestAction\" caption=\"Tests\"/>").size(),
-                   "<Action type=\"TQvMSTestAction\" caption=\"Tests\">\n"
-                   "      <Property name=\"UseStandaloneMSTest\">True</Property>\n"
-                   "    </Action>");
-  EXPECT_EQ(qvtest::TempDir::Read(project), expected);
-}
-
-TEST_F(EditorWindow, APropertysEditorOpensItsPage) {
-  auto editor = session->OpenEditor(project, "Build", "SolutionConfiguration");
-  auto dialog = qvhost::ui::MakeEditorDialog(*editor, {});
-  auto* tabs = dialog->findChild<QTabWidget*>();
-  EXPECT_EQ(editor->StartPage, "Solution");
-  EXPECT_EQ(tabs->tabText(tabs->currentIndex()), "Solution");
-  editor = session->OpenEditor(project, "Build", "Win32VersionInfo");  // the host's own editor
-  EXPECT_EQ(editor->StartPage, "");
-  EXPECT_THROW(session->OpenEditor(project, "Build", "Nothing"), qv::Exception);
-}
-
 // Pages must not rewrite what the user left alone: OK on every action of the demo build
-// process leaves the file byte for byte as it was.
-TEST_F(EditorWindow, OkWithoutChangesLeavesEveryActionAsItWas) {
-  std::string demo = qvtest::TempDir::Read(QV_EXAMPLES_DIR "/demo/Greeting.qvproj");
-  std::string file = dir.Write("demo.qvproj", demo);
+// process leaves the file byte for byte as it was, and so does Cancel after a change.
+TEST_F(EditorWindow, OkWithoutChangesAndCancelLeaveTheFileAsItWas) {
   for (const char* action : {"1", "2", "3", "4", "5"}) {
-    auto editor = session->OpenEditor(file, action);
-    auto dialog = qvhost::ui::MakeEditorDialog(*editor, session->ProjectVariableNames());
-    Ok(*dialog);
-    EXPECT_EQ(qvtest::TempDir::Read(file), demo) << "action " << action;
+    Press(*Open(action), QDialogButtonBox::Ok);
+    EXPECT_EQ(qvtest::TempDir::Read(project), demo) << "action " << action;
   }
+  auto dialog = Open("5");
+  Choose(Find<QComboBox>(*dialog, "cmbVSVer"), 3);  // Standalone MSTest
+  Press(*dialog, QDialogButtonBox::Cancel);
+  EXPECT_EQ(dialog->result(), QDialog::Rejected);
+  EXPECT_EQ(qvtest::TempDir::Read(project), demo);
+}
+
+// A property's editor opens the page that edits it; a property the host edits itself opens none.
+TEST_F(EditorWindow, APropertysEditorOpensItsPage) {
+  EXPECT_EQ(session.OpenEditor(project, "2", "SolutionConfiguration")->StartPage, "Solution");
+  EXPECT_EQ(session.OpenEditor(project, "2", "Win32VersionInfo")->StartPage, "");
+  EXPECT_THROW(session.OpenEditor(project, "2", "Nothing"), qv::Exception);
 }
 
 }  // namespace
