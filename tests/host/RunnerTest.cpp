@@ -20,31 +20,12 @@ TEST(TRunner, SavesDynamicPropertiesAndPropertySetsBackInPlace) {
   const std::string original = TempDir::Read(QV_FIXTURES_DIR "/host/nightly.qvproj");
   std::string file = dir.Write("nightly.qvproj", original);
   std::filesystem::create_hard_link(file, dir.File("before"));
-  {
-    TestHost host(dir);
-    EXPECT_EQ(host.Session->RunProject(file), qvhost::kExitSuccess);
-    EXPECT_EQ(host.Out.str(),
-              "Action: Next build number (TQvTestCounterAction)\n"
-              "  Build number 42\n"
-              "[ok] Next build number succeeded in 0.000 s\n"
-              "Action: Log Messages (TQvTestLogAction)\n"
-              "  Building Release\n"
-              "[ok] Log Messages succeeded in 0.000 s\n"
-              "\n"
-              "0 Error(s), 0 Warning(s)\n"
-              "Metrics:\n"
-              "  Compiler.Warnings = 0\n"
-              "  Compiler.Errors = 0\n"
-              "[ok] Build succeeded: 2 actions in 0.000 s\n");
-  }
+  EXPECT_EQ(TestHost(dir).Session->RunProject(file), qvhost::kExitSuccess);
   EXPECT_EQ(TempDir::Read(file), qv::StringReplaceAll(original, "41", "42"));
   // Replaced through a rename: the old file lives on under its other name, and no temporary
   // file is left behind.
   EXPECT_EQ(TempDir::Read(dir.File("before")), original);
-  int entries = 0;
-  for ([[maybe_unused]] auto& e : std::filesystem::directory_iterator(dir.Path()))
-    ++entries;
-  EXPECT_EQ(entries, 2);
+  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir.Path()), {}), 2);
   EXPECT_EQ(TestHost(dir).Session->RunProject(file), qvhost::kExitSuccess);
   EXPECT_EQ(TempDir::Read(file), qv::StringReplaceAll(original, "41", "43"));
 }

@@ -19,7 +19,7 @@ namespace {
 
 constexpr const char* kCategory = "Host Tests";
 
-// Logs its text, its details in a group, warnings and compiler metrics.
+// Logs its text and two compiler metrics; Details is a list for assignments to fill.
 class TQvTestLogAction : public TCustomQvAction {
  public:
   static const TPropertyTable PropertyTable;
@@ -35,14 +35,6 @@ class TQvTestLogAction : public TCustomQvAction {
     std::string text;
     if (!TryExpandExpression("Text", Text, text, true)) return false;
     SendMessage(text);
-    if (!Details.Empty()) {
-      StartMessageGroup("Details", 1, TStatusTag::Plain);
-      for (const auto& line : Details)
-        SendMessage(ExpandExpression(line, false));
-      EndMessageGroup(TStatusTag::Success);
-    }
-    for (int64_t i = 1; i <= Warnings; ++i)
-      SendMessage("Warning " + IntToStr(i), TStatusTag::Warning);
     SendMetricInt("Compiler", "Warnings", Warnings);
     SendMetricInt("Compiler", "Errors", 0);
     return true;
@@ -274,23 +266,6 @@ const TPropDescriptor kEnvironmentProps[] = {
 const TPropertyTable TQvTestEnvironmentAction::PropertyTable{
     "TQvTestEnvironmentAction", &TCustomQvAction::PropertyTable, kEnvironmentProps};
 
-// The script method and global object are only listed, never called.
-TScriptValue Describe(TCustomQvAction&, const std::vector<TScriptValue>&) {
-  return {};
-}
-TScriptValue HostTestOptions(const std::vector<TScriptValue>&) {
-  return {};
-}
-
-void RegisterDesignTime() {
-  const auto& log = ActionClassOf<TQvTestLogAction>();
-  QvActionServices->RegisterPropertyEditor("string", log, "Text", "TTestTextEditor");
-  QvActionServices->RegisterActionPages(log, {"TTestLogFrame", "TTestDetailsFrame"});
-  QvActionServices->RegisterActionPages(ActionClassOf<TQvTestLoopAction>(), {"TTestLoopFrame"});
-  QvOptionsServices->RegisterOptionPages(OptionsClassOf<TQvTestOptions>(), {"TTestOptionsFrame"});
-  QvScriptingServices->RegisterConstant("TestDesignLevel", 2);
-}
-
 const TPackageInfoTable kTable{"TestActionsPackage", 0, nullptr, 0, nullptr};
 
 }  // namespace
@@ -303,11 +278,15 @@ QV_PACKAGE_EXPORT const TPackageInfoTable* GetPackageInfoTable() {
 
 QV_PACKAGE_EXPORT void QvRegister(bool designTime) {
   auto& actions = *QvActionServices;
-  actions.RegisterAction("Log Messages", kCategory, "TESTLOG", ActionClassOf<TQvTestLogAction>());
-  QvScriptingServices->RegisterMethod(ActionClassOf<TQvTestLogAction>(), "Describe",
-                                      "function _Describe(const Prefix: string): string", Describe);
+  auto& scripting = *QvScriptingServices;
+  const auto& log = ActionClassOf<TQvTestLogAction>();
+  actions.RegisterAction("Log Messages", kCategory, "TESTLOG", log);
+  // The script method and global object are only listed, never called.
+  scripting.RegisterMethod(
+      log, "Describe", "function _Describe(const Prefix: string): string",
+      [](TCustomQvAction&, const std::vector<TScriptValue>&) { return TScriptValue(); });
   actions.RegisterAction("Fail", kCategory, "TESTFAIL", ActionClassOf<TQvTestFailAction>());
-  QvScriptingServices->RegisterEnumeration(TTestFailModeInfo);
+  scripting.RegisterEnumeration(TTestFailModeInfo);
   actions.RegisterAction("Count Builds", kCategory, "TESTCOUNT",
                          ActionClassOf<TQvTestCounterAction>());
   actions.RegisterAction("Sign In", kCategory, "TESTSIGNIN",
@@ -318,8 +297,13 @@ QV_PACKAGE_EXPORT void QvRegister(bool designTime) {
   actions.RegisterAction("Show Environment", kCategory, "TESTENV",
                          ActionClassOf<TQvTestEnvironmentAction>());
   QvOptionsServices->RegisterOptions(OptionsClassOf<TQvTestOptions>(), "TESTOPTIONS");
-  QvScriptingServices->RegisterGlobalObject("HostTestOptions", "function HostTestOptions: Variant",
-                                            HostTestOptions);
-  QvScriptingServices->RegisterConstant("TestAnswer", 42);
-  if (designTime) RegisterDesignTime();
+  scripting.RegisterGlobalObject("HostTestOptions", "function HostTestOptions: Variant",
+                                 [](const std::vector<TScriptValue>&) { return TScriptValue(); });
+  scripting.RegisterConstant("TestAnswer", 42);
+  if (!designTime) return;
+  actions.RegisterPropertyEditor("string", log, "Text", "TTestTextEditor");
+  actions.RegisterActionPages(log, {"TTestLogFrame", "TTestDetailsFrame"});
+  actions.RegisterActionPages(ActionClassOf<TQvTestLoopAction>(), {"TTestLoopFrame"});
+  QvOptionsServices->RegisterOptionPages(OptionsClassOf<TQvTestOptions>(), {"TTestOptionsFrame"});
+  scripting.RegisterConstant("TestDesignLevel", 2);
 }
