@@ -23,20 +23,15 @@ class Updater : public testing::Test {
   TQvVersionInfoUpdaterAction a;
   Updater() {
     a.BindContext(ctx);
-    ctx->PropertySets.emplace_back(new MemoryPropertySet("Win32", {{"MajorVersion", "3"},
-                                                                   {"MinorVersion", "1"},
-                                                                   {"ReleaseVersion", "0"},
-                                                                   {"BuildVersion", "42"},
-                                                                   {"DebugBuild", "True"},
-                                                                   {"PreReleaseBuild", "False"},
-                                                                   {"SpecialBuild", "False"},
-                                                                   {"PrivateBuild", "False"},
-                                                                   {"DLL", "True"},
-                                                                   {"CompanyName", "Example Ltd"},
-                                                                   {"LegalTrademarks", ""},
-                                                                   {"ProductName", "Calc"},
-                                                                   {"Locale", "$0407"},
-                                                                   {"CodePage", "1252"}}));
+    TStringList set;
+    set.SetText(
+        "MajorVersion=3\nMinorVersion=1\nReleaseVersion=0\nBuildVersion=42\nDebugBuild=True\n"
+        "PreReleaseBuild=False\nSpecialBuild=False\nPrivateBuild=False\nDLL=True\nCodePage=1252\n"
+        "CompanyName=Example Ltd\nLegalTrademarks=\nProductName=Calc\nLocale=$0407\n");
+    std::vector<std::pair<std::string, std::string>> values;
+    for (int i = 0; i < set.Count(); ++i)
+      values.emplace_back(set.Names(i), set.ValueFromIndex(i));
+    ctx->PropertySets.emplace_back(new MemoryPropertySet("Win32", values));
     a.SetPropValue("PropertySetName", "Win32");
   }
   void Allow(std::initializer_list<const char*> names) {
@@ -66,26 +61,7 @@ TEST_F(Updater, RewritesTheFixtureFromThePropertySet) {
   std::string path = dir.Write("app.rc", original);
   a.SetPropValue("ResourceFile", path);
   ASSERT_TRUE(a.Execute()) << ctx->Transcript();
-  size_t start = original.find(" FILEVERSION"), end = original.find("#endif    // English");
-  EXPECT_EQ(TempDir::Read(path),
-            original.substr(0, start) +
-                "FILEVERSION 3,1,0,42\r\nPRODUCTVERSION 3,1,0,42\r\n FILEFLAGSMASK 0x3fL\r\n"
-                "#ifdef _DEBUG\r\nFILEFLAGS 0x21L\r\n#else\r\nFILEFLAGS 0x01L\r\n#endif\r\n"
-                " FILEOS 0x4L\r\nFILETYPE 0x0L\r\n FILESUBTYPE 0x0L\r\nBEGIN\r\n"
-                "    BLOCK \"StringFileInfo\"\r\n    BEGIN\r\n        BLOCK \"040904b0\"\r\n"
-                "        BEGIN\r\n"
-                "            VALUE \"Comments\", \"Caf\xe9 edition\\0\"\r\n"
-                "            VALUE \"CompanyName\", \"Example Ltd\\0\"\r\n"
-                "            VALUE \"FileDescription\", \"NativeCalc Dynamic Link Library\\0\"\r\n"
-                "            VALUE \"FileVersion\", \"3.1.0.42\\0\"\r\n"
-                "            VALUE \"InternalName\", \"NativeCalc\\0\"\r\n"
-                "            VALUE \"LegalCopyright\", \"Copyright \xa9 2003\\0\"\r\n"
-                "            VALUE \"OriginalFilename\", \"NativeCalc.dll\\0\"\r\n"
-                "            VALUE \"ProductName\", \"Calc\\0\"\r\n"
-                "            VALUE \"ProductVersion\", \"3.1.0.42\\0\"\r\n"
-                "        END\r\n    END\r\n    BLOCK \"VarFileInfo\"\r\n    BEGIN\r\n"
-                "VALUE \"Translation\", 0x0407, 1252\r\n    END\r\nEND\r\n\r\n" +
-                original.substr(end));
+  EXPECT_EQ(TempDir::Read(path), TempDir::Read(kFixtures + "expected/updater-vs2003-ansi.rc"));
   EXPECT_EQ(ctx->Messages()[0], "[0] Updating property : MajorVersion - to : 3");
 }
 
@@ -96,7 +72,6 @@ TEST_F(Updater, ParseRulesAndErrors) {
   const std::pair<std::string, std::string> cases[] = {
       {v + "BEGIN\nFILEVERSION 1,0,0,0\n", "Unexpected FILEVERSION on line : 2"},
       {v + "BEGIN\nBLOCK \"Other\"\nBEGIN\n", "Unexpected BEGIN on line : 3"},
-      {v + "END\n", "Unexpected END on line : 1"},
       {v + "BEGIN\nBLOCK \"VarFileInfo\"\nBEGIN\nBEGIN\n", "Unexpected BEGIN"},
       // Only DebugBuild is true in the set: every other bit is lost.
       {v + "  FILEFLAGS 0x3fL\n", v + "FILEFLAGS 0x01L\n"},
