@@ -4,78 +4,66 @@
 #include <sys/stat.h>
 
 #include <filesystem>
-#include <map>
 
 #include "QvSysUtils.h"
+#include "Qvvsdotnetaction.h"
 #include "support/ErrorOf.h"
 #include "support/RecordingActionContext.h"
 #include "support/TempDir.h"
 
 using namespace qv;
-using A = TQvAssemblyAttribute;
+using qvtest::FileKey;
+using qvtest::TempDir;
 
 namespace {
-// The build action's side of the updater: switched-on attributes with their values.
-class StampAction : public qvtest::RecordingAction, public IQvAssemblyInfoSettings {
- public:
-  std::map<A, std::string> Values;
-  bool GetUpdateAssemblyAttribute(A a) override { return Values.count(a) > 0; }
-  std::string GetAssemblyAttributeValue(A a) override { return Values[a]; }
-  bool GetLinkAssemblyFileVersionInfo() override { return true; }
-  int GetProjLocationDetectMethodValue() override { return Method; }
-  int Method = 1;
-  int32_t GetWMIWebsiteNum() override { return 1; }
-  std::string GetSharePath() override { return "wwwroot$"; }
-  std::string GetWebDAVUsername() override { return {}; }
-  std::string GetWebDAVPassword() override { return {}; }
-
- protected:
-  void* GetInterface(const TGUID& iid) override {
-    if (void* p = QueryInterfaceList<IQvAssemblyInfoSettings>(this, iid)) return p;
-    return RecordingAction::GetInterface(iid);
-  }
-};
-
 const std::string Fixtures = QV_FIXTURES_DIR "/assemblyinfo";
 const char* Files[] = {"Scribble/Properties/AssemblyInfo.cs", "Ledger/AssemblyInfo.vb",
                        "Inkwell/AssemblyInfo.cpp", "Quill/AssemblyInfo.jsl"};
 
+// A copy of fixtures/assemblyinfo and the build action, whose settings the updater reads:
+// title, comment, company and both versions switched on, the file version linked to the
+// version.
 class QvassemblyinfoTest : public ::testing::Test {
  protected:
   void SetUp() override {
     std::filesystem::copy(Fixtures, dir.Path(), std::filesystem::copy_options::recursive);
     std::filesystem::remove_all(dir.File("expected"));
-    action.ctx->Variables["BUILD"] = "40";
-    action.Values = {{A::aaTitle, "Stamped"},
-                     {A::aaComment, "never"},
-                     {A::aaCompany, "Fabrikam"},
-                     {A::aaFileVersion, "9|9|9|9"},
-                     {A::aaVersion, "2|1|%BUILD%|0"}};
+    action.BindContext(ctx);
+    ctx->Variables["BUILD"] = "40";
+    for (const auto& [name, value] : {std::pair<std::string, std::string>{"Title", "Stamped"},
+                                      {"Comment", "never"},
+                                      {"Company", "Fabrikam"},
+                                      {"FileVersion", "9|9|9|9"},
+                                      {"Version", "2|1|%BUILD%|0"}}) {
+      action.SetPropValue("UpdateAssembly" + name, "True");
+      action.SetPropValue("Assembly" + name, value);
+    }
+    action.SetPropValue("LinkAssemblyFileVersionInfo", "True");
   }
   IntfPtr<IQvAssemblyInfoUpdater> Updater(bool includeMissing = false) {
     return GetAssemblyInfoUpdater(OpenSolution(dir.File("Stamp.sln"), includeMissing), action);
   }
-  std::string Transcript() { return StringReplaceAll(action.ctx->Transcript(), dir.Path(), "$D"); }
-  qvtest::TempDir dir;
-  StampAction action;
+  TempDir dir;
+  IntfPtr<qvtest::RecordingActionContext> ctx = qvtest::RecordingActionContext::Create();
+  TQvVSDotNetAction action;
 };
 }  // namespace
 
+// C# in Windows-1252, VB in UTF-16 LE, managed C++ in UTF-8 with a BOM, J# in ASCII.
 TEST_F(QvassemblyinfoTest, StampsEveryLanguageKeepingEncodingAndBackingUp) {
   Updater()->UpdateAllAssemblyInfo();
   for (const char* f : Files) {
-    EXPECT_EQ(qvtest::TempDir::Read(dir.File(f)),
-              qvtest::TempDir::Read(Fixtures + "/expected/" + ExtractFileName(f)))
+    EXPECT_EQ(TempDir::Read(dir.File(f)),
+              TempDir::Read(Fixtures + "/expected/" + ExtractFileName(f)))
         << f;
-    EXPECT_EQ(qvtest::TempDir::Read(dir.File(f) + ".bak"),
-              qvtest::TempDir::Read(Fixtures + "/" + f));
+    EXPECT_EQ(TempDir::Read(dir.File(f) + ".bak"), TempDir::Read(Fixtures + "/" + f));
   }
-  EXPECT_EQ(qvtest::FileKey(Transcript()),
-            qvtest::FileKey(qvtest::TempDir::Read(Fixtures + "/expected/transcript.txt")));
+  EXPECT_EQ(FileKey(StringReplaceAll(ctx->Transcript(), dir.Path(), "$D")),
+            FileKey(TempDir::Read(Fixtures + "/expected/transcript.txt")));
 
   Updater()->UpdateAllAssemblyInfo();  // the backup now holds the first run's result
-  EXPECT_EQ(qvtest::TempDir::Read(dir.File(Files[3]) + ".bak"),
-            qvtest::TempDir::Read(Fixtures + "/expected/AssemblyInfo.jsl"));
+  EXPECT_EQ(TempDir::Read(dir.File(Files[3]) + ".bak"),
+            TempDir::Read(Fixtures + "/expected/AssemblyInfo.jsl"));
 }
 
 TEST_F(QvassemblyinfoTest, ChosenProjectsOnlyAndUnknownIdentifiersLogged) {
@@ -85,66 +73,57 @@ TEST_F(QvassemblyinfoTest, ChosenProjectsOnlyAndUnknownIdentifiersLogged) {
        "{6E1A4B2C-3D5F-4A7B-8C9D-0E1F2A3B4C5D}"},
       nullptr);
   Updater()->UpdateAssemblyInfo({"{7F8B0C35-E7A9-4D2F-B3C4-7E9A1B3D5F7C}"}, &filter);
-  EXPECT_EQ(action.ctx->Messages()[0], "[0] 3 projects to process.");
-  EXPECT_EQ(action.ctx->Messages()[1],
+  EXPECT_EQ(ctx->Messages()[0], "[0] 3 projects to process.");
+  EXPECT_EQ(ctx->Messages()[1],
             "[3] ProjectID : {00000000-0000-0000-0000-000000000000} - not found in solution");
-  EXPECT_EQ(action.ctx->Messages()[2],
-            "[0] Processing Project File : " + dir.File("Bare/Bare.csproj"));
-  EXPECT_EQ(action.ctx->Messages().back(), "[0] 0 projects to process.");
+  EXPECT_EQ(ctx->Messages()[2], "[0] Processing Project File : " + dir.File("Bare/Bare.csproj"));
+  EXPECT_EQ(ctx->Messages().back(), "[0] 0 projects to process.");
 }
 
 TEST_F(QvassemblyinfoTest, MissingProjectOrReadOnlyFileFailsNamingItAndLosesNothing) {
   std::filesystem::remove(dir.File("Bare/Bare.csproj"));
   EXPECT_EQ(qvtest::ErrorOf([&] { Updater(true)->UpdateAllAssemblyInfo(); }),
             "ERROR : Unable to find : " + dir.File("Bare/Bare.csproj"));
-  std::string path = dir.File(Files[0]), before = qvtest::TempDir::Read(Fixtures + "/" + Files[0]);
+  std::string path = dir.File(Files[0]), before = TempDir::Read(Fixtures + "/" + Files[0]);
   dir.Write(Files[0], before);
   chmod(path.c_str(), 0444);
-  EXPECT_EQ(qvtest::FileKey(qvtest::ErrorOf([&] { Updater()->UpdateAllAssemblyInfo(); })),
-            qvtest::FileKey("Unable to write file \"" + path + "\" : Permission denied"));
-  EXPECT_EQ(qvtest::TempDir::Read(path), before);
-  EXPECT_EQ(qvtest::TempDir::Read(path + ".bak"), before);
+  EXPECT_EQ(FileKey(qvtest::ErrorOf([&] { Updater()->UpdateAllAssemblyInfo(); })),
+            FileKey("Unable to write file \"" + path + "\" : Permission denied"));
+  EXPECT_EQ(TempDir::Read(path), before);
+  EXPECT_EQ(TempDir::Read(path + ".bak"), before);
 }
 
-// WebDAV: the project file and its AssemblyInfo come from the site and go back to it (the
-// site, like IIS, answers the lower-cased reference).
+// WebDAV: the project file and its AssemblyInfo are fetched (the site, like IIS, answers the
+// lower-cased reference), and the stamped file is put back into its folder.
 TEST_F(QvassemblyinfoTest, WebProjectsOverWebDAVAreFetchedStampedAndPutBack) {
-  std::string site = dir.File("site/"), calls;
-  std::filesystem::create_directories(dir.File("local"));
-  dir.Write("site/Web/properties/assemblyinfo.cs", "[assembly: AssemblyTitle(\"Old\")]\r\n");
-  dir.Write("site/Web/Web.csproj", "<Compile Include=\"Properties\\AssemblyInfo.cs\" />");
-  auto fetch = [&](const std::string& remote, const std::string& name) {
-    calls += "get " + remote + " " + name + "\n";
-    std::filesystem::copy_file(site + remote + "/" + name, dir.File("local/" + name));
-    return dir.File("local/" + name);
-  };
+  std::string calls;
   TQvWebProjectRoutines web;
-  web.GetProjectFileUsingWebDAV = [&](auto&, auto&, auto&, std::string& remote,
+  web.GetProjectFileUsingWebDAV = [&](auto&, auto&, const std::string& address, std::string& remote,
                                       std::string& local) {
-    local = fetch(remote = "Web", "Web.csproj");
+    calls += "project " + address + "\n";
+    remote = "Web";
+    local = dir.Write("local/Web.csproj", "<Compile Include=\"Properties\\AssemblyInfo.cs\" />");
   };
-  web.GetFileUsingWebDAV = fetch;
+  web.GetFileUsingWebDAV = [&](const std::string& remote, const std::string& name) {
+    calls += "get " + remote + " " + name + "\n";
+    return dir.Write("local/" + name, "[assembly: AssemblyTitle(\"Old\")]\r\n");
+  };
   web.PutFileUsingWebDAV = [&](const std::string& local, const std::string& remote) {
-    calls += "put " + remote + "\n";
-    std::string target = site + remote + "/" + ExtractFileName(local);
-    std::filesystem::remove(target);
-    std::filesystem::copy_file(local, target);
+    calls += "put " + remote + "\n" + TempDir::Read(local);
   };
   web.CloseWebDAV = [&] { calls += "close\n"; };
-  action.Method = 2;
-  action.Values = {{A::aaTitle, "Stamped"}};
-  GetAssemblyInfoUpdater(
-      OpenSolution(
-          dir.Write(
-              "W.sln",
-              "Microsoft Visual Studio Solution File, "
-              "Format Version 8.00\nProject(\"{FAE04EC0-301F-11D3-BF4B-00C04F79EFBC}\") = \"Web\", "
-              "\"http://localhost/Web/Web.csproj\", \"{W}\"\nEndProject\nGlobal\nEndGlobal\n"),
-          false),
-      action, web)
-      ->UpdateAllAssemblyInfo();
+  action.SetPropValue("ProjLocationDetectMethod", "useWebDAV");
+  std::string sln =
+      dir.Write("W.sln",
+                "Microsoft Visual Studio Solution File, Format Version 8.00\n"
+                "Project(\"{FAE04EC0-301F-11D3-BF4B-00C04F79EFBC}\") = \"Web\", "
+                "\"http://localhost/Web/Web.csproj\", \"{W}\"\nEndProject\nGlobal\nEndGlobal\n");
+  GetAssemblyInfoUpdater(OpenSolution(sln, false), action, web)->UpdateAllAssemblyInfo();
   EXPECT_EQ(calls,
-            "get Web Web.csproj\nget Web/properties assemblyinfo.cs\nput Web/properties\nclose\n");
-  EXPECT_EQ(qvtest::TempDir::Read(site + "Web/properties/assemblyinfo.cs"),
-            "[assembly: AssemblyTitle(\"Stamped\")]\r\n");
+            "project http://localhost/Web/Web.csproj\nget Web/properties assemblyinfo.cs\n"
+            "put Web/properties\n[assembly: AssemblyTitle(\"Stamped\")]\r\n"
+            "[assembly: AssemblyCompany(\"Fabrikam\")]\r\n"
+            "[assembly: AssemblyFileVersion(\"2.1.40.0\")]\r\n"
+            "[assembly: AssemblyVersion(\"2.1.40.0\")]\r\nclose\n");
+  EXPECT_FALSE(std::filesystem::exists(dir.File("local/assemblyinfo.cs"))) << "the copy is removed";
 }
