@@ -29,15 +29,17 @@ class Stamping : public testing::Test {
     a.BindContext(ctx);
     solution = OpenSolution(dir.File("OrderDesk.sln"), false);
   }
+  // Sets each "Name=Value".
+  void Set(const std::vector<std::string>& properties) {
+    for (const std::string& p : properties)
+      a.SetPropValue(p.substr(0, p.find('=')), p.substr(p.find('=') + 1));
+  }
 };
 
 TEST_F(Stamping, CountsTheBuildUpAndStampsTheChosenProjects) {
-  a.SetPropValue("VersionInfoKeys", "CompanyName=Acme\r\nFileVersion=\r\n");
-  a.SetPropValue("BuildVersion", "41");
-  a.SetPropValue("AutoIncBuild", "True");
-  a.SetPropValue("ApplyResourceInfoTo", "btSelectedProjects");
-  a.SetPropValue("ResourceSelectedProjects",
-                 "{00000000-0000-0000-0000-000000000000}\r\n" + kNative);
+  Set({"VersionInfoKeys=CompanyName=Acme\r\nFileVersion=\r\n", "BuildVersion=41",
+       "AutoIncBuild=True", "ApplyResourceInfoTo=btSelectedProjects",
+       "ResourceSelectedProjects={00000000-0000-0000-0000-000000000000}\r\n" + kNative});
   ASSERT_TRUE(a.StampWin32Resources(*solution)) << ctx->Transcript();
   EXPECT_EQ(a.GetPropValue("ResourceSelectedProjects"), kNative + "\r\n");
   EXPECT_EQ(ctx->Transcript(),
@@ -58,16 +60,15 @@ TEST_F(Stamping, PropertySetsAndTheirFailures) {
                                                              {"SpecialBuild", "True"},
                                                              {"DebugBuild", "False"},
                                                              {"Comments", "nightly"}}));
-  a.SetPropValue("VersionInfoKeys", "DebugBuild=x\r\n");
-  a.SetPropValue("Win32VersionInfoPropertySetName", "W");
+  // String-table keys match without regard to case and keep their spelling.
+  Set({"VersionInfoKeys=debugbuild=x\r\ncomments=old\r\n", "Win32VersionInfoPropertySetName=W"});
   ASSERT_TRUE(a.LoadWin32VersionInfoFromPropertySet());
   EXPECT_EQ(a.GetMajorVersion(), 3);
   EXPECT_TRUE(a.GetIsDLL() && a.GetIsSpecial() && !a.GetIsDebug());
-  EXPECT_EQ(a.GetVersionInfoKeys(), "SpecialBuild=True\r\nComments=nightly\r\n");
-  a.SetPropValue("UseWin32PropertySet", "True");
-  a.SetPropValue("Win32VersionInfoPropertySetName", "");
+  EXPECT_EQ(a.GetVersionInfoKeys(), "comments=nightly\r\nSpecialBuild=True\r\n");
+  Set({"UseWin32PropertySet=True", "Win32VersionInfoPropertySetName="});
   EXPECT_FALSE(a.StampWin32Resources(*solution));
-  a.SetPropValue("Win32VersionInfoPropertySetName", "Missing");
+  Set({"Win32VersionInfoPropertySetName=Missing"});
   EXPECT_FALSE(a.StampWin32Resources(*solution));
   // Both failures leave their group open for the host to close.
   EXPECT_EQ(ctx->Transcript(),
@@ -78,11 +79,8 @@ TEST_F(Stamping, PropertySetsAndTheirFailures) {
 }
 
 TEST_F(Stamping, AssemblyNumbersCountUpAndPropertySetsFillThem) {
-  a.SetPropValue("AssemblyVersion", "1|0|*|9");
-  a.SetPropValue("AssemblyFileVersion", "2|0|5|0");
-  for (const char* s : {"AutoIncAssemblyBuildNumber", "AutoIncAssemblyRevisionNo",
-                        "AutoIncAssemblyFileBuildNumber"})
-    a.SetPropValue(s, "True");
+  Set({"AssemblyVersion=1|0|*|9", "AssemblyFileVersion=2|0|5|0", "AutoIncAssemblyBuildNumber=True",
+       "AutoIncAssemblyRevisionNo=True", "AutoIncAssemblyFileBuildNumber=True"});
   a.CountUpAssemblyNumbers();
   EXPECT_EQ(a.GetAssemblyVersion(), "1|0|1|10");
   EXPECT_EQ(a.GetAssemblyFileVersion(), "2|0|6|0");
@@ -90,7 +88,7 @@ TEST_F(Stamping, AssemblyNumbersCountUpAndPropertySetsFillThem) {
   EXPECT_EQ(a.DoAutoIncBuild("1|2|x"), "1|2|0");
   ctx->PropertySets.emplace_back(new MemoryPropertySet(
       "N", {{"Name", "N"}, {"MajorVersion", "4"}, {"RevisionVersion", "3"}, {"Title", "T"}}));
-  a.SetPropValue("DotNetVersionInfoPropertySetName", "N");
+  Set({"DotNetVersionInfoPropertySetName=N"});
   ASSERT_TRUE(a.LoadDotNetVersionInfoFromPropertySet());
   EXPECT_EQ(a.GetAssemblyVersion(), "4|0|1|3");
   EXPECT_EQ(a.GetAssemblyFileVersion(), "4|0|6|3");
