@@ -24,7 +24,6 @@ namespace {
 // Answers each browse with the next scripted choice ("" cancels) and records what was asked.
 struct ScriptedDesign : IQvDesignServices {
   std::vector<std::string> Choices, Asked, Messages;
-  std::vector<std::string> Variables{"Project", "Config"};
   bool BrowseFile(const std::string& title, const std::string& filter, const std::string& ext,
                   const std::string& start, std::string& chosen) override {
     Asked.push_back(title + "|" + filter + "|" + ext + "|" + start);
@@ -37,10 +36,10 @@ struct ScriptedDesign : IQvDesignServices {
     return BrowseFile(title, "", "", start, chosen);
   }
   void ShowMessage(const std::string& text) override { Messages.push_back(text); }
-  std::vector<std::string> VariableNames() override { return Variables; }
+  std::vector<std::string> VariableNames() override { return {"Project", "Config"}; }
   TQvOptionsObject* Options(const std::string&) override { return nullptr; }
-  std::vector<TQvPage*> Editor;
   std::vector<TQvPage*> EditorPages() override { return Editor; }
+  std::vector<TQvPage*> Editor;
 };
 
 struct Pages : ::testing::Test {
@@ -48,8 +47,7 @@ struct Pages : ::testing::Test {
   ScriptedDesign design;
   void SetUp() override { RegisterOptions(); }
   // Opens `page` on `action` as the host does.
-  template <class Page, class Action>
-  void Open(Page& page, Action& action) {
+  void Open(TQvPage& page, TCustomQvAction& action) {
     action.BindContext(qvtest::RecordingActionContext::Create());
     page.SetServices(&design);
     page.InitFrame();
@@ -167,51 +165,45 @@ TEST_F(Pages, ProjectDetectionShowsThePasswordPlainAndStoresItEncrypted) {
   EXPECT_EQ(message, "The website number must be a whole number, not \"1a\"");
 }
 
-// The build action's first three pages in one editor, as the host opens them.
-struct BuildEditor {
-  TVSDotNetProjectFrame solution;
-  TVSDotNetPathsFrame paths;
-  TVSDotNetBuildFrame build;
-  std::vector<TQvPage*> All() { return {&solution, &paths, &build}; }
-};
-
-TEST_F(Pages, SolutionPageDrivesTheBuildAndPathsPages) {
+TEST_F(Pages, SolutionPageDrivesTheBuildAndPathsPagesAndFallsBackToDefaults) {
   TQvVSDotNetAction action;
   action.SetPropValue("Solution", QV_EXAMPLES_DIR "/vs2008/Greeting.sln");
   action.SetPropValue("SolutionConfiguration", "Release|Any CPU");
   action.SetPropValue("VStudioVersion", "vs2008");
   action.SetPropValue("BuildType", "btSelectedProjects");
-  BuildEditor editor;
-  design.Editor = editor.All();
-  for (TQvPage* page : editor.All())
+  // The build action's first three pages in one editor, as the host opens them.
+  TVSDotNetProjectFrame s;
+  TVSDotNetPathsFrame paths;
+  TVSDotNetBuildFrame build;
+  design.Editor = {&s, &paths, &build};
+  for (TQvPage* page : design.Editor)
     Open(*page, action);
-  TVSDotNetProjectFrame& s = editor.solution;
   EXPECT_EQ(s["cboConfigs"].Items, (std::vector<std::string>{"Debug|Any CPU", "Release|Any CPU"}));
   EXPECT_EQ(s["cboConfigs"].Text, "Release|Any CPU");
   ASSERT_GE(s["lstProjects"].Items.size(), 2u);
-  EXPECT_TRUE(editor.build["chkOverrideCompiler"].Enabled);
-  EXPECT_TRUE(editor.build["cmbMaxCPUs"].Enabled);
+  EXPECT_TRUE(build["chkOverrideCompiler"].Enabled);
+  EXPECT_TRUE(build["cmbMaxCPUs"].Enabled);
 
   // Visual Studio .NET 2003: no MSBuild, and the other pages say it is needed.
   s.Choose("cboVSVersion", 1);
   EXPECT_FALSE(s["chkUseMSBuild"].Enabled);
-  EXPECT_TRUE(editor.build["lblUseMSbuildRequired"].Visible);
-  EXPECT_FALSE(editor.build["chkOverrideCompiler"].Enabled);
-  EXPECT_TRUE(editor.paths["lblUseMSbuildRequired"].Visible);
-  EXPECT_FALSE(editor.paths["edtOutputDir"].Enabled);
+  EXPECT_TRUE(build["lblUseMSbuildRequired"].Visible);
+  EXPECT_FALSE(build["chkOverrideCompiler"].Enabled);
+  EXPECT_TRUE(paths["lblUseMSbuildRequired"].Visible);
+  EXPECT_FALSE(paths["edtOutputDir"].Enabled);
   s.Choose("cboVSVersion", 2);  // 2005: MSBuild, but not the 2008-only options
-  EXPECT_TRUE(editor.build["lblVS2008Only1"].Visible);
-  EXPECT_FALSE(editor.build["cmbMaxCPUs"].Enabled);
+  EXPECT_TRUE(build["lblVS2008Only1"].Visible);
+  EXPECT_FALSE(build["cmbMaxCPUs"].Enabled);
 
-  editor.build.Toggle("chkOverrideWarnings");
-  editor.build.Toggle("chkAllWarningsAsErrors");
-  EXPECT_FALSE(editor.build["chkSpecifiedWarningsAsErrors"].Enabled);
-  EXPECT_FALSE(editor.build["edtWarningsAsErrors"].Enabled);
+  build.Toggle("chkOverrideWarnings");
+  build.Toggle("chkAllWarningsAsErrors");
+  EXPECT_FALSE(build["chkSpecifiedWarningsAsErrors"].Enabled);
+  EXPECT_FALSE(build["edtWarningsAsErrors"].Enabled);
 
   s.TickItem("lstProjects", 1, true);
   s.TickItem("lstProjects", 0, true);
   s.WriteActionData(&action);
-  editor.build.WriteActionData(&action);
+  build.WriteActionData(&action);
   TStringList selected;
   selected.SetText(action.GetPropValue("SelectedProjects"));
   EXPECT_EQ(selected.Count(), 2);
@@ -222,20 +214,15 @@ TEST_F(Pages, SolutionPageDrivesTheBuildAndPathsPages) {
   s.WriteActionData(&action);
   EXPECT_EQ(action.GetPropValue("BuildType"), "btAllProjects");
   EXPECT_EQ(action.GetPropValue("SelectedProjects"), "");
-}
 
-TEST_F(Pages, ASolutionThatCannotBeOpenedLeavesTheDefaultConfigurations) {
-  TQvVSDotNetAction action;
-  BuildEditor editor;
-  design.Editor = editor.All();
-  Open(editor.solution, action);
-  editor.solution.LoadSolutionDetails(false, "/nonexistent/App.sln");
-  EXPECT_EQ(editor.solution["cboConfigs"].Items.size(), 6u);
-  EXPECT_EQ(editor.solution["cboConfigs"].Items[5], "Release|x64");
+  // A solution that cannot be opened leaves the default configurations.
+  s.LoadSolutionDetails(false, "/nonexistent/App.sln");
+  EXPECT_EQ(s["cboConfigs"].Items.size(), 6u);
+  EXPECT_EQ(s["cboConfigs"].Items[5], "Release|x64");
   ASSERT_EQ(design.Messages.size(), 1u);
   EXPECT_EQ(design.Messages[0].rfind("Error opening solution : ", 0), 0u) << design.Messages[0];
-  editor.solution.Type("txtSolution", "/nonexistent/App.sln");
-  editor.solution.PressAltButton("txtSolution");
+  s.Type("txtSolution", "/nonexistent/App.sln");
+  s.PressAltButton("txtSolution");
   EXPECT_EQ(design.Messages.back(), "Solution File not found : \"/nonexistent/App.sln\"");
 }
 
@@ -245,7 +232,6 @@ TEST_F(Pages, OptionsPageCutsDevenvPathsToTheirFolderThe2008OneInto2005) {
   page.SetServices(&design);
   page.InitPage(nullptr);
   page.ReadOptions(options);
-  EXPECT_EQ(page["cmbVSVer"].Items.size(), 6u);
   page.Type("edtDevEnv2003", "C:\\VS7\\Common7\\IDE\\DEVENV.EXE");
   page.Type("edtDevEnv2008", "C:\\VS9\\Common7\\IDE\\devenv.com");
   page.Choose("cmbVSVer", 5);
