@@ -230,6 +230,10 @@ TEST_F(SolutionFile, ResourceScriptsAndTheVersionScript) {
   const std::pair<std::string, std::string> cases[] = {
       {"<VisualStudioProject>\n  <Files>\n</VisualStudioProject>\n",
        "Opening and ending tag mismatch: Files line 2 and VisualStudioProject (line 3"},
+      // Found in real repositories; lenient parsers accept them.
+      {"<VisualStudioProject A=\"1\"\n A=\"2\"/>", "Attribute A redefined (line 2"},
+      {"\n<?xml version=\"1.0\"?>\n<VisualStudioProject/>",
+       "XML declaration allowed only at the start of the document (line 2"},
       {"<VisualStudioProject>\n<x:Files/></VisualStudioProject>",
        "Namespace prefix x on Files is not defined (line 2"},
   };
