@@ -370,6 +370,22 @@ TEST_P(MSBuild, BuildsVisualStudio2005VisualBasicAndCSharpProjects) {
 INSTANTIATE_TEST_SUITE_P(Engines, MSBuild, ::testing::Values(kXBuild, kDotNet),
                          [](const auto& info) { return info.param.name; });
 
+// A .NET SDK that does not start is named, with what to do, and fails the action.
+TEST(DotNetEngine, ABrokenSdkIsNamedAndFailsTheAction) {
+  if (!kDotNet.Present()) GTEST_SKIP() << "dotnet is not here";
+  Session s;
+  std::string broken = s.dir.Write("broken/dotnet", "#!/bin/sh\necho broken >&2\nexit 3\n");
+  fs::permissions(broken, fs::perms::owner_all);
+  auto r = s.Run("QV_DOTNET=" + ShellQuote(broken) + " " +
+                 s.Command(kDotNet.launcher, {"Solution=" + s.Sample("vs2008/Greeting.sln"),
+                                              "SolutionConfiguration=Release|Any CPU"}));
+  EXPECT_EQ(r.exitCode, 1);
+  EXPECT_THAT(Log(r.out).Messages(),
+              Contains("[0] MSBuild.exe: the .NET SDK does not work: \"" + broken +
+                       " --version\" fails; set QV_DOTNET or choose --msbuild-engine xbuild\n"));
+  EXPECT_THAT(Log(r.out).Messages(), Contains("[3] MSBuild.exe returned Error code : 3"));
+}
+
 // ---- stamping over WebDAV, and a solution loop -----------------------------------------------
 
 // A Visual Studio 2003 web project served over WebDAV: its AssemblyInfo is fetched,
