@@ -117,6 +117,14 @@ std::string_view BreakText(TLineBreak b) {
 
 }  // namespace
 
+namespace {
+// The position of `c` at or after `from`, or the size of `text` when there is none.
+size_t FindFrom(std::string_view text, char c, size_t from) {
+  size_t at = text.find(c, from);
+  return at == std::string_view::npos ? text.size() : at;
+}
+}  // namespace
+
 std::vector<TTextLine> DecodeTextFile(std::string_view bytes, TTextFormat& format,
                                       const std::string& fileName) {
   std::string decoded;
@@ -137,9 +145,15 @@ std::vector<TTextLine> DecodeTextFile(std::string_view bytes, TTextFormat& forma
   std::vector<TTextLine> lines;
   std::array<size_t, 4> breakCounts{};  // indexed by TLineBreak
   size_t start = 0;
+  // The next break of each kind is searched for (a fast forward scan) only once it is passed:
+  // large files are mostly line text.
+  size_t nextLF = FindFrom(text, '\n', 0), nextCR = FindFrom(text, '\r', 0);
   for (size_t i = 0; i < text.size(); ++i) {
+    if (nextLF < i) nextLF = FindFrom(text, '\n', i);
+    if (nextCR < i) nextCR = FindFrom(text, '\r', i);
+    i = std::min(nextLF, nextCR);
+    if (i >= text.size()) break;
     char c = text[i];
-    if (c != '\n' && c != '\r') continue;
     TLineBreak br = TLineBreak::LF;
     size_t len = 1;
     if (c == '\r') {
@@ -395,16 +409,17 @@ void TStringList::SetDelimitedText(std::string_view text) {
       // A quoted item runs to the matching quote; two quote characters stand for one.
       ++p;
       while (p < n) {
-        if (text[p] == QuoteChar) {
-          if (p + 1 < n && text[p + 1] == QuoteChar) {
-            item += QuoteChar;
-            p += 2;
-            continue;
-          }
-          ++p;
-          break;
+        size_t quote = std::min(text.find(QuoteChar, p), n);
+        item.append(text.substr(p, quote - p));
+        p = quote;
+        if (p == n) break;
+        if (p + 1 < n && text[p + 1] == QuoteChar) {
+          item += QuoteChar;
+          p += 2;
+          continue;
         }
-        item += text[p++];
+        ++p;
+        break;
       }
     } else {
       size_t b = p;
@@ -412,7 +427,9 @@ void TStringList::SetDelimitedText(std::string_view text) {
         ++p;
       item.assign(text.substr(b, p - b));
     }
-    Add(item);
+    FItems.push_back(std::move(item));
+    FObjects.push_back(0);
+    FBreaks.push_back(TLineBreak::Default);
     while (p < n && isSpace(text[p]))
       ++p;
     if (p < n && text[p] == Delimiter) {

@@ -104,14 +104,9 @@ bool ReadWholeFile(const std::string& path, std::string& out, std::string& error
     error = std::strerror(errno);
     return false;
   }
-  struct stat st;
-  if (fstat(fd, &st) == 0 && S_ISDIR(st.st_mode)) {
-    close(fd);
-    error = std::strerror(EISDIR);
-    return false;
-  }
+  // No status call first: most files fit the first read, and reading a folder fails with
+  // EISDIR. A file larger than one read is sized once for the rest.
   std::string data;
-  if (st.st_size > 0) data.reserve(static_cast<size_t>(st.st_size));
   char buf[65536];
   for (;;) {
     ssize_t n = read(fd, buf, sizeof buf);
@@ -122,6 +117,9 @@ bool ReadWholeFile(const std::string& path, std::string& out, std::string& error
       return false;
     }
     if (n == 0) break;
+    struct stat st;
+    if (data.empty() && n == static_cast<ssize_t>(sizeof buf) && fstat(fd, &st) == 0)
+      data.reserve(static_cast<size_t>(st.st_size));
     data.append(buf, static_cast<size_t>(n));
   }
   close(fd);

@@ -11,6 +11,8 @@ namespace qv {
 
 // Removes leading and trailing blanks and control characters (bytes 0 to 32).
 std::string Trim(std::string_view s);
+// Trim's result as a view into `s`.
+std::string_view TrimmedView(std::string_view s);
 std::string TrimLeft(std::string_view s);
 std::string TrimRight(std::string_view s);
 std::string LowerCase(std::string_view s);
