@@ -61,26 +61,31 @@ void AppendProjectJson(std::string& out, IVSDotNetProject& p) {
 
 }  // namespace
 
-std::string SolutionJson(IVSDotNetSolution& solution) {
-  std::string out;
-  AppendField(out, "{\"fileName\":", solution.GetFileName());
-  AppendField(out, ",\"version\":", VersionName(solution.GetVersion()));
-  out += ",\"configurations\":";
+void WriteSolutionJson(IVSDotNetSolution& solution, std::ostream& out) {
+  std::string head;
+  AppendField(head, "{\"fileName\":", solution.GetFileName());
+  AppendField(head, ",\"version\":", VersionName(solution.GetVersion()));
+  head += ",\"configurations\":";
   if (auto c = solution.GetConfigurations()) {
     std::vector<std::string> names;
     for (int i = 0; i < c->GetCount(); ++i)
       names.push_back(c->GetItem(i)->GetName());
-    AppendJsonArray(out, names);
+    AppendJsonArray(head, names);
   } else {
-    out += "null";
+    head += "null";
   }
-  out += ",\"projects\":[";
-  ForEachProject(solution, [&](int i, IVSDotNetProject& p) {
-    if (i) out += ',';
-    AppendProjectJson(out, p);
-  });
-  out += "]}\n";
-  return out;
+  head += ",\"projects\":[";
+  // Written a few projects at a time: the text of a large solution runs to megabytes.
+  auto projects = solution.GetProjects();
+  for (int i = 0; i < projects->GetCount(); ++i) {
+    if (i) head += ',';
+    AppendProjectJson(head, *projects->GetItem(i));
+    if (head.size() >= 65536) {
+      out << head;
+      head.clear();
+    }
+  }
+  out << head << "]}\n";
 }
 
 std::string SolutionText(IVSDotNetSolution& solution) {

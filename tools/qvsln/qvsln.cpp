@@ -30,7 +30,10 @@ int main(int argc, char** argv) {
   try {
     auto solution = qv::OpenSolution(file, includeMissing);
     if (resort) solution->GetProjects()->SortByDependency();
-    std::cout << (json ? qv::SolutionJson(*solution) : qv::SolutionText(*solution));
+    if (json)
+      qv::WriteSolutionJson(*solution, std::cout);
+    else
+      std::cout << qv::SolutionText(*solution);
     std::cout.flush();
     // Ends here without taking the model apart object by object: for a large solution
     // that would be a tenth of the run, and the process is over anyway.
