@@ -1,5 +1,10 @@
 #include "Vsnetsln.h"
 
+#include <condition_variable>
+#include <deque>
+#include <exception>
+#include <mutex>
+#include <thread>
 #include <unordered_map>
 
 #include "QvExceptions.h"
@@ -117,14 +122,12 @@ class TVSDotNetProject : public TVSDotNetObject, public IVSDotNetProject {
     return i >= 0 && FConfigurations.Objects(i) != 0;
   }
 
-  // Reads the resource scripts of a Visual C++ project file (`path`, the existing file the
-  // project names, or empty when there is none) and finds the version script.
+  // Reads the resource scripts of the project's Visual C++ project file (`path`, the existing
+  // file the project names) and finds the version script.
   void ReadProjectFile(const std::string& path);
 
   QV_ANSWERS(IVSDotNetProject)
  private:
-  void FindVersionInfoFile();
-
   std::string FName, FFileName, FProjectTypeGUID, FProjectGUID;
   IntfPtr<IVSDotNetProjectDependancies> FDependencies;
   TStringList FResourceFiles;
@@ -142,6 +145,10 @@ class TVSDotNetProjects : public TVSDotNetObject, public IVSDotNetProjects {
   int GetCount() override { return static_cast<int>(FItems.size()); }
 
   IntfPtr<IVSDotNetProject> FindByGUID(const std::string& guid) override {
+    return FindByGUID(std::string_view(guid));
+  }
+
+  IntfPtr<IVSDotNetProject> FindByGUID(std::string_view guid) {
     auto it = FByGUID.find(guid);
     if (it == FByGUID.end()) return nullptr;
     if (it->second.size() == 1) return it->second.front();
@@ -168,7 +175,11 @@ class TVSDotNetProjects : public TVSDotNetObject, public IVSDotNetProjects {
   std::vector<IntfPtr<IVSDotNetProject>> FItems;
   // The projects carrying each identifier, so that the reader's lookups (one per
   // configuration line) do not scan the list.
-  std::unordered_map<std::string, std::vector<IVSDotNetProject*>> FByGUID;
+  struct THash {
+    using is_transparent = void;
+    size_t operator()(std::string_view s) const { return std::hash<std::string_view>()(s); }
+  };
+  std::unordered_map<std::string, std::vector<IVSDotNetProject*>, THash, std::equal_to<>> FByGUID;
 };
 
 class TVSDotNetSolution : public TVSDotNetObject, public IVSDotNetSolution {
@@ -199,32 +210,42 @@ class TVSDotNetSolution : public TVSDotNetObject, public IVSDotNetSolution {
 
 // ---- project files ------------------------------------------------------------------------
 
+namespace {
+// Whether a resource script's text (any of the encodings a script may have) holds a version
+// resource; text that cannot be decoded holds none.
+bool HasVersionInfo(std::string_view bytes, const std::string& script) {
+  try {
+    TTextFormat format;
+    for (const TTextLine& line : DecodeTextFile(bytes, format, script))
+      if (line.Text.find("VERSIONINFO") != std::string::npos) return true;
+  } catch (const std::exception&) {
+  }
+  return false;
+}
+}  // namespace
+
 void TVSDotNetProject::ReadProjectFile(const std::string& path) {
-  if (path.empty() || LowerCase(ExtractFileExt(path)) != ".vcproj") return;
   std::string text, error;
   if (!platform::ReadWholeFile(path, text, error))
     throw Exception("Error parsing project file : " + error + " (" + path + ")");
   std::string projectDir = ExtractFilePath(path);
-  for (const std::string& rel : ReadVcprojResourceScripts(text, path))
-    FResourceFiles.Add(ResolvePathCase(ExpandRelativePath(rel, projectDir)));
-  FindVersionInfoFile();
-}
-
-void TVSDotNetProject::FindVersionInfoFile() {
   FVersionInfoFile.clear();
-  for (const std::string& script : FResourceFiles) {
-    TStringList lines;
-    try {
-      LoadUnicodeFile(script, lines);
-    } catch (const std::exception&) {
-      continue;  // an unreadable script cannot be the version script
+  for (const std::string& rel : ReadVcprojResourceScripts(text, path)) {
+    std::string script = ExpandRelativePath(rel, projectDir);
+    if (!FVersionInfoFile.empty()) {
+      FResourceFiles.Add(ResolvePathCase(script));
+      continue;
     }
-    for (const std::string& line : lines) {
-      if (line.find("VERSIONINFO") != std::string::npos) {
-        FVersionInfoFile = script;
-        return;
-      }
+    // Until the version script is found every script is read, the first that holds a
+    // version resource being it. A script read as named needs no case resolution.
+    std::string bytes;
+    bool read = platform::ReadWholeFile(script, bytes, error);
+    if (!read) {
+      script = ResolvePathCase(script);
+      read = platform::ReadWholeFile(script, bytes, error);
     }
+    FResourceFiles.Add(script);
+    if (read && HasVersionInfo(bytes, script)) FVersionInfoFile = script;
   }
 }
 
@@ -249,13 +270,95 @@ void TVSDotNetProjects::SortByDependency() {
   FItems.swap(sorted);
 }
 
+// ---- project files, read beside the solution ---------------------------------------------------
+
+// Reads the Visual C++ project files of a solution on a second thread while the solution file
+// is still being read, because a large solution spends most of its time in them; the caller
+// reads what is left once it is done. Each project's file is read by one thread, which alone
+// touches that project's resource scripts. Errors are raised in solution order, as reading
+// the files one by one would raise them.
+class TProjectFileReads {
+ public:
+  ~TProjectFileReads() { Stop(); }
+
+  void Add(TVSDotNetProject* project, std::string path) {
+    {
+      std::lock_guard<std::mutex> guard(FLock);
+      FItems.push_back({project, std::move(path), nullptr});
+    }
+    FChanged.notify_one();
+    if (!FStarted) {
+      FStarted = true;
+      if (std::thread::hardware_concurrency() > 1) FWorker = std::thread([this] { Work(false); });
+    }
+  }
+
+  // Reads what no thread has taken, waits for the second thread, and throws the first error.
+  void Finish() {
+    {
+      std::lock_guard<std::mutex> guard(FLock);
+      FClosed = true;
+    }
+    FChanged.notify_all();
+    Work(true);
+    if (FWorker.joinable()) FWorker.join();
+    for (const TItem& item : FItems)
+      if (item.Error) std::rethrow_exception(item.Error);
+  }
+
+ private:
+  struct TItem {
+    TVSDotNetProject* Project;
+    std::string Path;
+    std::exception_ptr Error;
+  };
+
+  void Work(bool caller) {
+    for (;;) {
+      TItem* item;
+      {
+        std::unique_lock<std::mutex> guard(FLock);
+        FChanged.wait(guard, [&] { return FNext < FItems.size() || FClosed || caller; });
+        if (FNext == FItems.size()) return;
+        item = &FItems[FNext++];  // a deque keeps its elements in place as it grows
+      }
+      try {
+        item->Project->ReadProjectFile(item->Path);
+      } catch (...) {
+        item->Error = std::current_exception();
+      }
+    }
+  }
+
+  // On the way out of a failed read: the second thread takes nothing more.
+  void Stop() {
+    if (!FWorker.joinable()) return;
+    {
+      std::lock_guard<std::mutex> guard(FLock);
+      FClosed = true;
+      FNext = FItems.size();
+    }
+    FChanged.notify_all();
+    FWorker.join();
+  }
+
+  std::mutex FLock;
+  std::condition_variable FChanged;
+  std::deque<TItem> FItems;
+  size_t FNext = 0;
+  bool FClosed = false;
+  bool FStarted = false;
+  std::thread FWorker;
+};
+
 // ---- the solution file ----------------------------------------------------------------------
 
 class TSolutionReader {
  public:
   TSolutionReader(const std::string& fileName, bool includeMissing)
       : FFileName(fileName),
-        FSolutionDir(ExtractFilePath(fileName)),
+        // Made absolute once, not for every project it is the base of.
+        FSolutionDir(ExpandRelativePath(ExtractFilePath(fileName), "")),
         FIncludeMissing(includeMissing) {}
 
   IntfPtr<IVSDotNetSolution> Read();
@@ -263,14 +366,14 @@ class TSolutionReader {
  private:
   TVSDotNetVersion ReadHeader();
   void ReadProjects();
-  void ReadProjectLine(const std::string& line);
+  void ReadProjectLine(std::string_view line);
   void ReadProjectDependencies();
   void ReadGlobal();
   void ReadSolutionConfigurations();
   void ReadConfigurationMappings();
   void ReadGlobalDependencies();
   // The line at FIndex, trimmed; past the end the line list's index error.
-  std::string TrimmedLine() const { return Trim(FLines[FIndex]); }
+  std::string_view TrimmedLine() const { return TrimmedView(FLines[FIndex]); }
 
   std::string FFileName, FSolutionDir;
   bool FIncludeMissing;
@@ -278,6 +381,7 @@ class TSolutionReader {
   int FIndex = 0;
   IntfPtr<TVSDotNetSolution> FSolution;
   TVSDotNetProject* FCurrent = nullptr;
+  TProjectFileReads FReads;
 };
 
 IntfPtr<IVSDotNetSolution> TSolutionReader::Read() {
@@ -286,9 +390,17 @@ IntfPtr<IVSDotNetSolution> TSolutionReader::Read() {
     FLines.Delete(0);
   FSolution = IntfPtr<TVSDotNetSolution>(new TVSDotNetSolution(FFileName, ReadHeader()));
   FIndex = 1;
-  ReadProjects();
-  FSolution->Projects().SortByDependency();
-  if (FLines[FIndex] == "Global") ReadGlobal();
+  // What fails first in the file is reported: a project file's error comes before anything
+  // found after that project's line.
+  try {
+    ReadProjects();
+    FSolution->Projects().SortByDependency();
+    if (FLines[FIndex] == "Global") ReadGlobal();
+  } catch (...) {
+    FReads.Finish();
+    throw;
+  }
+  FReads.Finish();
   return IntfPtr<IVSDotNetSolution>(FSolution.Get());
 }
 
@@ -320,7 +432,7 @@ TVSDotNetVersion TSolutionReader::ReadHeader() {
 
 void TSolutionReader::ReadProjects() {
   for (; FIndex < FLines.Count() && FLines[FIndex] != "Global"; ++FIndex) {
-    std::string line = TrimmedLine();
+    std::string_view line = TrimmedLine();
     if (line.starts_with("Project(\""))
       ReadProjectLine(line);
     else if (line.starts_with("EndProject"))  // also ends at any "EndProjectSection"
@@ -330,14 +442,14 @@ void TSolutionReader::ReadProjects() {
   }
 }
 
-void TSolutionReader::ReadProjectLine(const std::string& line) {
-  std::string rest = line.substr(kProjectPrefix);
-  std::string typeGuid = rest.substr(0, std::min(kGuidLength, rest.size()));
-  rest.erase(0, typeGuid.size());
+void TSolutionReader::ReadProjectLine(std::string_view line) {
+  std::string_view rest = line.substr(kProjectPrefix);
+  std::string typeGuid(rest.substr(0, std::min(kGuidLength, rest.size())));
+  rest.remove_prefix(typeGuid.size());
   size_t eq = rest.find('=');
   if (eq == std::string::npos) throw Exception("Error parsing project string");
   TStringList items;
-  items.SetCommaText(Trim(std::string_view(rest).substr(eq + 1)));
+  items.SetCommaText(TrimmedView(rest.substr(eq + 1)));
   if (items.Count() < 3) throw Exception("Error parsing project string");
   const std::string& path = items[1];
 
@@ -347,23 +459,24 @@ void TSolutionReader::ReadProjectLine(const std::string& line) {
     return;  // skipped: the current project stays what it was
   auto* project = new TVSDotNetProject(items[0], path, typeGuid, items[2], FFileName);
   IntfPtr<IVSDotNetProject> ref(project);
-  project->ReadProjectFile(existing);
+  if (!existing.empty() && LowerCase(ExtractFileExt(existing)) == ".vcproj")
+    FReads.Add(project, std::move(existing));
   FSolution->Projects().Add(ref);
   FCurrent = project;
 }
 
 void TSolutionReader::ReadProjectDependencies() {
   for (++FIndex; FIndex < FLines.Count(); ++FIndex) {
-    std::string line = TrimmedLine();
+    std::string_view line = TrimmedLine();
     if (line == "EndProjectSection") break;
-    if (size_t eq = line.find('='); eq != std::string::npos)
-      FCurrent->GetDependencies()->Add(Trim(std::string_view(line).substr(eq + 1)));
+    if (size_t eq = line.find('='); eq != std::string_view::npos)
+      FCurrent->GetDependencies()->Add(Trim(line.substr(eq + 1)));
   }
 }
 
 void TSolutionReader::ReadGlobal() {
   ++FIndex;
-  for (std::string line = TrimmedLine(); line != "EndGlobal"; line = TrimmedLine()) {
+  for (std::string_view line = TrimmedLine(); line != "EndGlobal"; line = TrimmedLine()) {
     if (line.starts_with("GlobalSection(SolutionConfiguration)") ||
         line.starts_with("GlobalSection(SolutionConfigurationPlatforms)")) {
       ++FIndex;
@@ -417,11 +530,10 @@ bool ReadConfigurationMapping(std::string_view rest, TConfigurationMapping& m) {
 }
 
 void TSolutionReader::ReadConfigurationMappings() {
-  for (std::string line = TrimmedLine(); line != "EndGlobalSection"; line = TrimmedLine()) {
+  for (std::string_view line = TrimmedLine(); line != "EndGlobalSection"; line = TrimmedLine()) {
     ++FIndex;
     TConfigurationMapping m;
-    if (line.size() <= kGuidLength ||
-        !ReadConfigurationMapping(std::string_view(line).substr(kGuidLength), m))
+    if (line.size() <= kGuidLength || !ReadConfigurationMapping(line.substr(kGuidLength), m))
       continue;
     if (IntfPtr<IVSDotNetProject> project =
             FSolution->Projects().FindByGUID(line.substr(0, kGuidLength)))
@@ -431,12 +543,12 @@ void TSolutionReader::ReadConfigurationMappings() {
 
 void TSolutionReader::ReadGlobalDependencies() {
   for (; TrimmedLine() != "EndGlobalSection"; ++FIndex) {
-    std::string line = TrimmedLine();
+    std::string_view line = TrimmedLine();
     IntfPtr<IVSDotNetProject> project =
         FSolution->Projects().FindByGUID(line.substr(0, kGuidLength));
     size_t eq = line.find('=');
-    if (project && eq != std::string::npos)
-      project->GetDependencies()->Add(Trim(std::string_view(line).substr(eq + 1)));
+    if (project && eq != std::string_view::npos)
+      project->GetDependencies()->Add(Trim(line.substr(eq + 1)));
   }
 }
 

@@ -234,6 +234,8 @@ TEST_F(SolutionFile, ResourceScriptsAndTheVersionScript) {
       {"<VisualStudioProject A=\"1\"\n A=\"2\"/>", "Attribute A redefined (line 2"},
       {"\n<?xml version=\"1.0\"?>\n<VisualStudioProject/>",
        "XML declaration allowed only at the start of the document (line 2"},
+      {"<?xml version=\"1.0\" encoding=\"Klingon\"?>\n<VisualStudioProject/>",
+       "Unsupported encoding Klingon (line 1"},
       {"<VisualStudioProject>\n<x:Files/></VisualStudioProject>",
        "Namespace prefix x on Files is not defined (line 2"},
   };
@@ -242,6 +244,10 @@ TEST_F(SolutionFile, ResourceScriptsAndTheVersionScript) {
     EXPECT_EQ(FileKey(Read(body)), FileKey("Error parsing project file : " + error + " of " +
                                            dir.File("app/app.vcproj") + ")"));
   }
+  // A project file's error comes before one further on in the solution file.
+  EXPECT_EQ(FileKey(Read(Header() + kApp + "Project(\"{CS}\") \"X\"\n" + kGlobal)),
+            FileKey("Error parsing project file : " + cases[4].second + " of " +
+                    dir.File("app/app.vcproj") + ")"));
   dir.Write("app/app.vcproj",
             "\xef\xbb\xbf<?xml version=\"1.0\" encoding=\"Windows-1252\"?>\r\n<VisualStudioProject>"
             "\n<Files><Filter><File RelativePath=\"\xe4.rc\"/></Filter></Files>"
