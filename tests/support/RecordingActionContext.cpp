@@ -26,15 +26,14 @@ class ScriptedProcess : public TInterfacedObject, public IQvProcess {
   // as whole lines.
   int Run() override {
     FRuns.push_back(FRun);
-    TLineAssembler out, err;
-    auto toOut = [&](std::string_view c) { FHandler->OnStdOutData(this, c); };
-    auto toErr = [&](std::string_view c) { FHandler->OnStdErrData(this, c); };
-    for (const auto& chunk : FScript.out)
-      out.Feed(chunk, toOut);
-    out.Finish(toOut);
-    for (const auto& chunk : FScript.err)
-      err.Feed(chunk, toErr);
-    err.Finish(toErr);
+    auto replay = [](const std::vector<std::string>& chunks, const TLineAssembler::TSink& sink) {
+      TLineAssembler lines;
+      for (const auto& chunk : chunks)
+        lines.Feed(chunk, sink);
+      lines.Finish(sink);
+    };
+    replay(FScript.out, [this](std::string_view c) { FHandler->OnStdOutData(this, c); });
+    replay(FScript.err, [this](std::string_view c) { FHandler->OnStdErrData(this, c); });
     return FScript.exitCode;
   }
   int GetExitCode() const override { return FScript.exitCode; }
@@ -127,9 +126,8 @@ const std::string* RecordingActionContext::FindVariable(std::string_view name) c
 
 std::string RecordingActionContext::ExpandExpression(const std::string& text, bool) {
   return ExpandVariables(text, [this](std::string_view name) -> std::optional<std::string> {
-    const std::string* value = FindVariable(name);
-    if (!value) return std::nullopt;
-    return *value;
+    if (const std::string* value = FindVariable(name)) return *value;
+    return std::nullopt;
   });
 }
 

@@ -8,11 +8,10 @@
 
 #include <chrono>
 #include <cstdlib>
-#include <fstream>
-#include <iterator>
 #include <map>
 #include <thread>
 
+#include "QvPlatform.h"
 #include "QvProcess.h"
 #include "QvSysUtils.h"
 #include "TempDir.h"
@@ -121,9 +120,7 @@ CommandResult RunCommand(const std::string& command) {
   std::string out = dir.File("out"), err = dir.File("err");
   int status = std::system(
       (command + " >" + ShellQuote(out) + " 2>" + ShellQuote(err) + " </dev/null").c_str());
-  CommandResult r{WIFEXITED(status) ? WEXITSTATUS(status) : -1, TempDir::Read(out),
-                  TempDir::Read(err)};
-  return r;
+  return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, TempDir::Read(out), TempDir::Read(err)};
 }
 
 void SetEnv(const std::string& name, const char* value) {
@@ -136,8 +133,8 @@ void SetEnv(const std::string& name, const char* value) {
 bool ProcessEnds(int pid, double seconds) {
   auto end = std::chrono::steady_clock::now() + std::chrono::duration<double>(seconds);
   for (;;) {
-    std::ifstream in("/proc/" + std::to_string(pid) + "/stat");
-    std::string stat((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    std::string stat, error;  // none once the process is gone
+    qv::platform::ReadWholeFile("/proc/" + std::to_string(pid) + "/stat", stat, error);
     size_t close = stat.rfind(')');  // the state follows the parenthesised command name
     if (close == std::string::npos || stat.substr(close + 2, 1) == "Z") return true;
     if (std::chrono::steady_clock::now() > end) return false;

@@ -1,36 +1,25 @@
 #include "TempDir.h"
 
-#include <cctype>
 #include <filesystem>
 #include <fstream>
 #include <random>
-#include <sstream>
 #include <stdexcept>
-#include <vector>
 
 #include "QvPlatform.h"
-
-#include <stdlib.h>
+#include "QvSysUtils.h"
 
 namespace qvtest {
 
 namespace fs = std::filesystem;
 
+// A random name, taken only when no folder has it yet: parallel test processes never share one.
 TempDir::TempDir() {
-#ifdef _WIN32
   std::random_device random;
   for (int attempt = 0; attempt < 100 && FPath.empty(); ++attempt) {
     fs::path candidate = fs::temp_directory_path() / ("qvtest." + std::to_string(random()));
     if (fs::create_directory(candidate)) FPath = candidate.string();
   }
   if (FPath.empty()) throw std::runtime_error("cannot create a temporary folder");
-#else
-  std::string tmpl = (fs::temp_directory_path() / "qvtest.XXXXXX").string();
-  std::vector<char> buf(tmpl.begin(), tmpl.end());
-  buf.push_back('\0');
-  if (!mkdtemp(buf.data())) throw std::runtime_error("mkdtemp failed");
-  FPath = buf.data();
-#endif
 }
 
 TempDir::~TempDir() {
@@ -43,14 +32,8 @@ TempDir::~TempDir() {
 }
 
 std::string TempDir::File(std::string_view name) const {
-#ifdef _WIN32
-  std::string native(name);
-  for (char& c : native)
-    if (c == '/') c = '\\';
-  return FPath + "\\" + native;
-#else
-  return FPath + "/" + std::string(name);
-#endif
+  const std::string separator(1, qv::platform::PathDelim);
+  return FPath + separator + qv::StringReplaceAll(name, "/", separator);
 }
 
 std::string TempDir::Write(std::string_view name, std::string_view bytes) const {
@@ -62,31 +45,26 @@ std::string TempDir::Write(std::string_view name, std::string_view bytes) const 
   return path;
 }
 
+std::string TempDir::Read(const std::string& path) {
+  std::string bytes, error;
+  if (!qv::platform::ReadWholeFile(path, bytes, error))
+    throw std::runtime_error("cannot read " + path + ": " + error);
+  return bytes;
+}
+
 std::string NativePath(std::string_view posixPath) {
-  std::string r(posixPath);
 #ifdef _WIN32
-  if (r.empty() || r[0] != '/') return r;
-  for (char& c : r)
-    if (c == '/') c = '\\';
-  r = fs::current_path().string().substr(0, 2) + r;
+  if (posixPath.starts_with('/'))
+    return fs::current_path().string().substr(0, 2) + qv::StringReplaceAll(posixPath, "/", "\\");
 #endif
-  return r;
+  return std::string(posixPath);
 }
 
 std::string FileKey(std::string path) {
 #ifdef _WIN32
-  for (char& c : path)
-    c = c == '\\' ? '/' : static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  path = qv::LowerCase(qv::StringReplaceAll(path, "\\", "/"));
 #endif
   return path;
-}
-
-std::string TempDir::Read(const std::string& path) {
-  std::ifstream in(qv::platform::FsPath(path), std::ios::binary);
-  if (!in) throw std::runtime_error("cannot read " + path);
-  std::ostringstream ss;
-  ss << in.rdbuf();
-  return ss.str();
 }
 
 }  // namespace qvtest
