@@ -7,15 +7,15 @@ using A = TQvAssemblyAttribute;
 
 namespace {
 // The lines after rewriting, each ended by "\n", with Title, Version and Comment switched on
-// and the rest off; what the rewriter logs goes to `log`.
-std::string Rewrite(TStringList lines, std::string& log) {
+// and the rest off. (What the rewriter logs is pinned by QvassemblyinfoTest's transcript.)
+std::string Rewrite(TStringList lines) {
   auto values = [](A a) -> std::optional<std::string> {
     if (a == A::aaTitle) return "New Title";
     if (a == A::aaVersion) return "2|1|40|0";
     if (a == A::aaComment) return "comment";
     return std::nullopt;
   };
-  RewriteAssemblyInfo(lines, false, values, [&](const std::string& s) { log += s + "\n"; });
+  RewriteAssemblyInfo(lines, false, values, [](const std::string&) {});
   std::string r;
   for (const std::string& l : lines)
     r += l + "\n";
@@ -24,12 +24,12 @@ std::string Rewrite(TStringList lines, std::string& log) {
 }  // namespace
 
 // Each case is followed by a title and a version line, which are rewritten whatever it is.
-// (The shapes of the sample files under fixtures/assemblyinfo are stamped by QvassemblyinfoTest.)
+// (The shapes of the sample files under fixtures/assemblyinfo are stamped by QvassemblyinfoTest:
+// a blank before the colon, a switched-off attribute and J#'s comment form are left there.)
 TEST(QvassemblyinfoRewriter, RewritesOrLeavesEachLine) {
   const std::pair<const char*, const char*> cases[] = {
       // second null: unchanged
       {"<Assembly: AssemblyTitle(\"Old\")> ", "<Assembly: AssemblyTitle(\"New Title\")> "},
-      {"  [assembly :AssemblyTitle(\"Old\")]", nullptr},
       {"\t[ assembly:System.Reflection.AssemblyTitleAttribute ( \"Old\" ) ]",
        "[assembly: System.Reflection.AssemblyTitleAttribute(\"New Title\") ]"},
       {"[assembly: AssemblyTitle(@\"C:\\x\")] // bare",
@@ -38,17 +38,13 @@ TEST(QvassemblyinfoRewriter, RewritesOrLeavesEachLine) {
        "[assembly: AssemblyTitle(\"New Title\"), AssemblyCompany(\"B\")]"},
       {"[assembly: assemblytitle(\"Old\")]", nullptr},
       {"[assembly: AssemblyComment(\"Old\")]", nullptr},
-      {"[assembly: AssemblyCompany(\"Old\")]", nullptr},
       {"//[assembly: AssemblyTitle(\"Old\")]", nullptr},
       {"x = 1; [assembly: AssemblyTitle(\"Old\")]", nullptr},
-      {"/** @assembly AssemblyTitle(\"Old\") */", nullptr},
       {"[assembly: AssemblyTitle(\"Old)]", nullptr},
   };
   for (const auto& [in, out] : cases) {
-    std::string log;
     EXPECT_EQ(
-        Rewrite({in, "[assembly: AssemblyTitle(\"T\")]", "[assembly: AssemblyVersion(\"V\")]"},
-                log),
+        Rewrite({in, "[assembly: AssemblyTitle(\"T\")]", "[assembly: AssemblyVersion(\"V\")]"}),
         std::string(out ? out : in) + "\n[assembly: AssemblyTitle(\"New Title\")]\n" +
             "[assembly: AssemblyVersion(\"2.1.40.0\")]\n")
         << in;
@@ -59,12 +55,8 @@ TEST(QvassemblyinfoRewriter, RewritesOrLeavesEachLine) {
 // (In a managed C++ file, with "Attribute" after the name, and without any attribute line,
 // starting with the character of code 0, as the sample files show.)
 TEST(QvassemblyinfoRewriter, AppendsMissingAttributesInTheShapeOfTheLastLine) {
-  std::string log;
-  EXPECT_EQ(Rewrite({"<Assembly: Guid(\"x\")> ' id", "// AssemblyInfo"}, log),
+  EXPECT_EQ(Rewrite({"<Assembly: Guid(\"x\")> ' id", "// AssemblyInfo"}),
             "<Assembly: Guid(\"x\")> ' id\n// AssemblyInfo\n"
             "<Assembly: AssemblyTitle(\"New Title\")> ' id\n"
             "<Assembly: AssemblyVersion(\"2.1.40.0\")> ' id\n");
-  EXPECT_EQ(log,
-            "Adding Entry : AssemblyTitle Value : New Title\n"
-            "Adding Entry : AssemblyVersion Value : 2.1.40.0\n");
 }
