@@ -44,7 +44,6 @@ TEST(WebLocation, MetabaseLookupFindsThePhysicalDirectory) {
       {"http://" + GetComputerNetName() + "/App/My%20Web.csproj", 1, R"(D:\Web\App\My Web.csproj)"},
       {"http://buildsrv/App/Sub/Web.csproj", 1, R"(\\buildsrv\D$\Web\App\Sub\Web.csproj)"},
       {"http://localhost/Gone/Web.csproj", 1, kNoObject},
-      {"http://localhost/App/App.csproj", 3, kNoObject},
       {"http://localhost/Web.csproj", 2,
        "Unable to resolve to physical path - found IIsWebDirectory\rOriginal IIS uri: "},
   };
