@@ -66,13 +66,12 @@ WebDavServer::WebDavServer(std::string user, std::string password, Auth auth)
   fs::create_directories(Root());
   for (const std::string& d : {FDir.Path(), Root()})
     fs::permissions(d, fs::perms::all);
-  std::string digest = "(printf '%s' " +
-                       ShellQuote(FUser + ":" + std::string(kRealm) + ":" + FPassword) +
-                       " | md5sum | cut -c1-32)";
-  std::string basic = "htpasswd -nbB " + ShellQuote(FUser) + " " + ShellQuote(FPassword);
   bool isDigest = auth == Auth::Digest;
-  std::string users = RunCommand(isDigest ? digest : basic).out;
-  FDir.Write("users", isDigest ? FUser + ":" + std::string(kRealm) + ":" + users : users);
+  std::string realm = FUser + ":" + std::string(kRealm) + ":";
+  std::string users =
+      isDigest ? "(printf '%s' " + ShellQuote(realm + FPassword) + " | md5sum | cut -c1-32)"
+               : "htpasswd -nbB " + ShellQuote(FUser) + " " + ShellQuote(FPassword);
+  FDir.Write("users", (isDigest ? realm : "") + RunCommand(users).out);
   std::string d = FDir.Path(), kind = isDigest ? "Digest" : "Basic", conf;
   for (const char* m : {"mpm_event", "authn_core", "authn_file", "authz_core", "authz_user",
                         "auth_digest", "auth_basic", "dav", "dav_fs"})
