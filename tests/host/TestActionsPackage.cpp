@@ -19,13 +19,39 @@ namespace {
 
 constexpr const char* kCategory = "Host Tests";
 
-// Logs its text and two compiler metrics; Details is a list for assignments to fill.
-class TQvTestLogAction : public TCustomQvAction {
+// A class's name, its caption (an action's, or an options object's name) and its icon.
+struct TNames {
+  std::string_view Class, Caption, Icon;
+};
+
+// What every class here declares alike: a property table named Names.Class, made of its own
+// descriptors (Props, where A names the class) over its base class's.
+template <class Self, class Base>
+class TTestClass : public Base {
  public:
+  using A = Self;
   static const TPropertyTable PropertyTable;
   const TPropertyTable& GetPropertyTable() const override { return PropertyTable; }
-  std::string GetActionName() const override { return "Log Messages"; }
+};
+template <class Self, class Base>
+const TPropertyTable TTestClass<Self, Base>::PropertyTable{Self::Names.Class, &Base::PropertyTable,
+                                                           Self::Props};
 
+// An action captioned Names.Caption, registered with Names.Icon.
+template <class Self, class Base = TCustomQvAction>
+class TTestAction : public TTestClass<Self, Base> {
+ public:
+  std::string GetActionName() const override { return std::string(Self::Names.Caption); }
+  static const TQvActionClass& Register() {
+    QvActionServices->RegisterAction(std::string(Self::Names.Caption), kCategory,
+                                     std::string(Self::Names.Icon), ActionClassOf<Self>());
+    return ActionClassOf<Self>();
+  }
+};
+
+// Logs its text and two compiler metrics; Details is a list for assignments to fill.
+struct TQvTestLogAction : TTestAction<TQvTestLogAction> {
+  static constexpr TNames Names{"TQvTestLogAction", "Log Messages", "TESTLOG"};
   bool Validate(IQvActionValidationError* errors) override {
     if (!Text.empty()) return true;
     errors->AddError("Text", "There is nothing to log", nullptr);
@@ -43,15 +69,10 @@ class TQvTestLogAction : public TCustomQvAction {
   std::string Text;
   TStringList Details;
   int64_t Warnings = 0;
+  static constexpr TPropDescriptor Props[] = {StrProp<A, &A::Text>("Text"),
+                                              ListProp<A, &A::Details>("Details"),
+                                              IntProp<A, &A::Warnings>("Warnings")};
 };
-
-const TPropDescriptor kLogProps[] = {
-    StrProp<TQvTestLogAction, &TQvTestLogAction::Text>("Text"),
-    ListProp<TQvTestLogAction, &TQvTestLogAction::Details>("Details"),
-    IntProp<TQvTestLogAction, &TQvTestLogAction::Warnings>("Warnings"),
-};
-const TPropertyTable TQvTestLogAction::PropertyTable{"TQvTestLogAction",
-                                                     &TCustomQvAction::PropertyTable, kLogProps};
 
 // Fails in one of the ways an action can, inside a group it leaves open.
 enum class TTestFailMode { fmFailAction, fmException, fmReturnFalse, fmUnknown };
@@ -59,12 +80,8 @@ constexpr std::string_view kFailModeNames[] = {"fmFailAction", "fmException", "f
                                                "fmUnknown"};
 const TEnumTypeInfo TTestFailModeInfo{"TTestFailMode", kFailModeNames};
 
-class TQvTestFailAction : public TCustomQvAction {
- public:
-  static const TPropertyTable PropertyTable;
-  const TPropertyTable& GetPropertyTable() const override { return PropertyTable; }
-  std::string GetActionName() const override { return "Fail"; }
-
+struct TQvTestFailAction : TTestAction<TQvTestFailAction> {
+  static constexpr TNames Names{"TQvTestFailAction", "Fail", "TESTFAIL"};
   bool Execute() override {
     StartMessageGroup("Trying", 0, TStatusTag::Plain);
     SendMessage("About to fail");
@@ -84,23 +101,14 @@ class TQvTestFailAction : public TCustomQvAction {
 
   std::string Message = "Broken";
   TTestFailMode Mode = TTestFailMode::fmFailAction;
+  static constexpr TPropDescriptor Props[] = {
+      StrProp<A, &A::Message>("Message", "Broken"),
+      EnumProp<A, &A::Mode>("Mode", TTestFailModeInfo, "fmFailAction")};
 };
-
-const TPropDescriptor kFailProps[] = {
-    StrProp<TQvTestFailAction, &TQvTestFailAction::Message>("Message", "Broken"),
-    EnumProp<TQvTestFailAction, &TQvTestFailAction::Mode>("Mode", TTestFailModeInfo,
-                                                          "fmFailAction"),
-};
-const TPropertyTable TQvTestFailAction::PropertyTable{"TQvTestFailAction",
-                                                      &TCustomQvAction::PropertyTable, kFailProps};
 
 // Counts its runs in a dynamic property and in the "Build" value of the property set it names.
-class TQvTestCounterAction : public TCustomQvAction {
- public:
-  static const TPropertyTable PropertyTable;
-  const TPropertyTable& GetPropertyTable() const override { return PropertyTable; }
-  std::string GetActionName() const override { return "Count Builds"; }
-
+struct TQvTestCounterAction : TTestAction<TQvTestCounterAction> {
+  static constexpr TNames Names{"TQvTestCounterAction", "Count Builds", "TESTCOUNT"};
   bool Execute() override {
     ++BuildNumber;
     RegisterDynamicProperty("BuildNumber");
@@ -112,23 +120,14 @@ class TQvTestCounterAction : public TCustomQvAction {
 
   int64_t BuildNumber = 0;
   std::string PropertySet;
+  static constexpr TPropDescriptor Props[] = {IntProp<A, &A::BuildNumber>("BuildNumber"),
+                                              StrProp<A, &A::PropertySet>("PropertySet")};
 };
-
-const TPropDescriptor kCounterProps[] = {
-    IntProp<TQvTestCounterAction, &TQvTestCounterAction::BuildNumber>("BuildNumber"),
-    StrProp<TQvTestCounterAction, &TQvTestCounterAction::PropertySet>("PropertySet"),
-};
-const TPropertyTable TQvTestCounterAction::PropertyTable{
-    "TQvTestCounterAction", &TCustomQvAction::PropertyTable, kCounterProps};
 
 // Keeps its password encrypted: a new one given in NewPassword is encrypted into Password and
 // both are saved back, so that the plain text leaves the project.
-class TQvTestPasswordAction : public TCustomQvAction {
- public:
-  static const TPropertyTable PropertyTable;
-  const TPropertyTable& GetPropertyTable() const override { return PropertyTable; }
-  std::string GetActionName() const override { return "Sign In"; }
-
+struct TQvTestPasswordAction : TTestAction<TQvTestPasswordAction> {
+  static constexpr TNames Names{"TQvTestPasswordAction", "Sign In", "TESTSIGNIN"};
   bool Execute() override {
     if (!NewPassword.empty()) {
       Password = EncryptPassword(NewPassword);
@@ -143,23 +142,14 @@ class TQvTestPasswordAction : public TCustomQvAction {
   }
 
   std::string User, NewPassword, Password;
+  static constexpr TPropDescriptor Props[] = {StrProp<A, &A::User>("User"),
+                                              StrProp<A, &A::NewPassword>("NewPassword"),
+                                              StrProp<A, &A::Password>("Password")};
 };
-
-const TPropDescriptor kPasswordProps[] = {
-    StrProp<TQvTestPasswordAction, &TQvTestPasswordAction::User>("User"),
-    StrProp<TQvTestPasswordAction, &TQvTestPasswordAction::NewPassword>("NewPassword"),
-    StrProp<TQvTestPasswordAction, &TQvTestPasswordAction::Password>("Password"),
-};
-const TPropertyTable TQvTestPasswordAction::PropertyTable{
-    "TQvTestPasswordAction", &TCustomQvAction::PropertyTable, kPasswordProps};
 
 // Runs its nested actions once per item.
-class TQvTestLoopAction : public TQvBaseIterator {
- public:
-  static const TPropertyTable PropertyTable;
-  const TPropertyTable& GetPropertyTable() const override { return PropertyTable; }
-  std::string GetActionName() const override { return "Loop Over Items"; }
-
+struct TQvTestLoopAction : TTestAction<TQvTestLoopAction, TQvBaseIterator> {
+  static constexpr TNames Names{"TQvTestLoopAction", "Loop Over Items", "TESTLOOP"};
   bool BeforeFirstIteration() override {
     SetIterationCount(Items.Count());
     return true;
@@ -167,21 +157,12 @@ class TQvTestLoopAction : public TQvBaseIterator {
   std::string GetCurrentValue() override { return Items[GetCurrentIteration() - 1]; }
 
   TStringList Items;
+  static constexpr TPropDescriptor Props[] = {ListProp<A, &A::Items>("Items")};
 };
-
-const TPropDescriptor kLoopProps[] = {
-    ListProp<TQvTestLoopAction, &TQvTestLoopAction::Items>("Items"),
-};
-const TPropertyTable TQvTestLoopAction::PropertyTable{"TQvTestLoopAction",
-                                                      &TQvBaseIterator::PropertyTable, kLoopProps};
 
 // Runs a program with its arguments.
-class TQvTestRunAction : public TQvExecuteAbstractAction {
- public:
-  static const TPropertyTable PropertyTable;
-  const TPropertyTable& GetPropertyTable() const override { return PropertyTable; }
-  std::string GetActionName() const override { return "Run Program"; }
-
+struct TQvTestRunAction : TTestAction<TQvTestRunAction, TQvExecuteAbstractAction> {
+  static constexpr TNames Names{"TQvTestRunAction", "Run Program", "TESTRUN"};
   std::string GetExecutable() override { return Program; }
   bool GetCommandLine(ICommandLineBuilder* builder) override {
     builder->AddArgument(Arguments, "", 0);
@@ -189,21 +170,14 @@ class TQvTestRunAction : public TQvExecuteAbstractAction {
   }
 
   std::string Program, Arguments;
+  static constexpr TPropDescriptor Props[] = {StrProp<A, &A::Program>("Program"),
+                                              StrProp<A, &A::Arguments>("Arguments")};
 };
-
-const TPropDescriptor kRunProps[] = {
-    StrProp<TQvTestRunAction, &TQvTestRunAction::Program>("Program"),
-    StrProp<TQvTestRunAction, &TQvTestRunAction::Arguments>("Arguments"),
-};
-const TPropertyTable TQvTestRunAction::PropertyTable{
-    "TQvTestRunAction", &TQvExecuteAbstractAction::PropertyTable, kRunProps};
 
 // Options: a tool folder found in the registry when the store has none, and a level.
-class TQvTestOptions : public TQvOptionsObject {
- public:
-  static const TPropertyTable PropertyTable;
-  const TPropertyTable& GetPropertyTable() const override { return PropertyTable; }
-  std::string GetName() const override { return "Host Test Options"; }
+struct TQvTestOptions : TTestClass<TQvTestOptions, TQvOptionsObject> {
+  static constexpr TNames Names{"TQvTestOptions", "Host Test Options", "TESTOPTIONS"};
+  std::string GetName() const override { return std::string(Names.Caption); }
   std::string GetCategory() const override { return kCategory; }
   std::string GetOptionKey() const override { return "QvHostTest"; }
 
@@ -223,22 +197,13 @@ class TQvTestOptions : public TQvOptionsObject {
 
   std::string ToolFolder;
   int64_t Level = 1;
+  static constexpr TPropDescriptor Props[] = {StrProp<A, &A::ToolFolder>("ToolFolder"),
+                                              IntProp<A, &A::Level>("Level", "1")};
 };
-
-const TPropDescriptor kOptionsProps[] = {
-    StrProp<TQvTestOptions, &TQvTestOptions::ToolFolder>("ToolFolder"),
-    IntProp<TQvTestOptions, &TQvTestOptions::Level>("Level", "1"),
-};
-const TPropertyTable TQvTestOptions::PropertyTable{"TQvTestOptions",
-                                                   &TQvOptionsObject::PropertyTable, kOptionsProps};
 
 // Shows the options and a framework folder as the host supplies them; can change the level.
-class TQvTestEnvironmentAction : public TCustomQvAction {
- public:
-  static const TPropertyTable PropertyTable;
-  const TPropertyTable& GetPropertyTable() const override { return PropertyTable; }
-  std::string GetActionName() const override { return "Show Environment"; }
-
+struct TQvTestEnvironmentAction : TTestAction<TQvTestEnvironmentAction> {
+  static constexpr TNames Names{"TQvTestEnvironmentAction", "Show Environment", "TESTENV"};
   bool Execute() override {
     IntfPtr<IInterface> found = QvOptionsServices->FindOptions("Host Test Options", kCategory);
     auto* options = dynamic_cast<TQvTestOptions*>(found.Get());
@@ -257,14 +222,9 @@ class TQvTestEnvironmentAction : public TCustomQvAction {
 
   std::string Framework;
   int64_t NewLevel = 0;
+  static constexpr TPropDescriptor Props[] = {StrProp<A, &A::Framework>("Framework"),
+                                              IntProp<A, &A::NewLevel>("NewLevel")};
 };
-
-const TPropDescriptor kEnvironmentProps[] = {
-    StrProp<TQvTestEnvironmentAction, &TQvTestEnvironmentAction::Framework>("Framework"),
-    IntProp<TQvTestEnvironmentAction, &TQvTestEnvironmentAction::NewLevel>("NewLevel"),
-};
-const TPropertyTable TQvTestEnvironmentAction::PropertyTable{
-    "TQvTestEnvironmentAction", &TCustomQvAction::PropertyTable, kEnvironmentProps};
 
 const TPackageInfoTable kTable{"TestActionsPackage", 0, nullptr, 0, nullptr};
 
@@ -277,33 +237,28 @@ QV_PACKAGE_EXPORT const TPackageInfoTable* GetPackageInfoTable() {
 }
 
 QV_PACKAGE_EXPORT void QvRegister(bool designTime) {
-  auto& actions = *QvActionServices;
   auto& scripting = *QvScriptingServices;
-  const auto& log = ActionClassOf<TQvTestLogAction>();
-  actions.RegisterAction("Log Messages", kCategory, "TESTLOG", log);
+  const auto& log = TQvTestLogAction::Register();
   // The script method and global object are only listed, never called.
   scripting.RegisterMethod(
       log, "Describe", "function _Describe(const Prefix: string): string",
       [](TCustomQvAction&, const std::vector<TScriptValue>&) { return TScriptValue(); });
-  actions.RegisterAction("Fail", kCategory, "TESTFAIL", ActionClassOf<TQvTestFailAction>());
+  TQvTestFailAction::Register();
   scripting.RegisterEnumeration(TTestFailModeInfo);
-  actions.RegisterAction("Count Builds", kCategory, "TESTCOUNT",
-                         ActionClassOf<TQvTestCounterAction>());
-  actions.RegisterAction("Sign In", kCategory, "TESTSIGNIN",
-                         ActionClassOf<TQvTestPasswordAction>());
-  actions.RegisterAction("Loop Over Items", kCategory, "TESTLOOP",
-                         ActionClassOf<TQvTestLoopAction>());
-  actions.RegisterAction("Run Program", kCategory, "TESTRUN", ActionClassOf<TQvTestRunAction>());
-  actions.RegisterAction("Show Environment", kCategory, "TESTENV",
-                         ActionClassOf<TQvTestEnvironmentAction>());
-  QvOptionsServices->RegisterOptions(OptionsClassOf<TQvTestOptions>(), "TESTOPTIONS");
+  TQvTestCounterAction::Register();
+  TQvTestPasswordAction::Register();
+  const auto& loop = TQvTestLoopAction::Register();
+  TQvTestRunAction::Register();
+  TQvTestEnvironmentAction::Register();
+  const auto& options = OptionsClassOf<TQvTestOptions>();
+  QvOptionsServices->RegisterOptions(options, std::string(TQvTestOptions::Names.Icon));
   scripting.RegisterGlobalObject("HostTestOptions", "function HostTestOptions: Variant",
                                  [](const std::vector<TScriptValue>&) { return TScriptValue(); });
   scripting.RegisterConstant("TestAnswer", 42);
   if (!designTime) return;
-  actions.RegisterPropertyEditor("string", log, "Text", "TTestTextEditor");
-  actions.RegisterActionPages(log, {"TTestLogFrame", "TTestDetailsFrame"});
-  actions.RegisterActionPages(ActionClassOf<TQvTestLoopAction>(), {"TTestLoopFrame"});
-  QvOptionsServices->RegisterOptionPages(OptionsClassOf<TQvTestOptions>(), {"TTestOptionsFrame"});
+  QvActionServices->RegisterPropertyEditor("string", log, "Text", "TTestTextEditor");
+  QvActionServices->RegisterActionPages(log, {"TTestLogFrame", "TTestDetailsFrame"});
+  QvActionServices->RegisterActionPages(loop, {"TTestLoopFrame"});
+  QvOptionsServices->RegisterOptionPages(options, {"TTestOptionsFrame"});
   scripting.RegisterConstant("TestDesignLevel", 2);
 }
