@@ -107,7 +107,6 @@ TEST(THostSession, AssignmentsSetValuesAndAddLines) {
       {"Text=a\\nb = c", "Text", "a\\nb = c"},
       {" Warnings =7", "Warnings", "7"},
       {"Text+=more", "Text", "Text+= adds a line to a string list, and Text is not one"},
-      {"Colour=red", "Text", "Unknown property \"Colour\" of TQvTestLogAction"},
       {"Colour+=red", "Text", "Unknown property \"Colour\" of TQvTestLogAction"},
       {"=x", "Text", "Expected NAME=VALUE or NAME+=LINE, not \"=x\""},
       {"Text", "Text", "Expected NAME=VALUE or NAME+=LINE, not \"Text\""},

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "HostTestSupport.h"
 #include "support/ErrorOf.h"
 
 namespace {
@@ -36,17 +35,6 @@ TEST(Metabase, MalformedExportsNameFileAndLine) {
   EXPECT_EQ(
       qvtest::ErrorOf([&] { mb->CoGetObject("IIS://h/W3SVC/1/ROOT/A")->GetProperty("Path"); }),
       "The metabase node /LM/W3SVC/1/ROOT/a has no property \"Path\"");
-}
-
-TEST(Metabase, QvhostRefusesAMalformedOrMissingExport) {
-  qvtest::TempDir dir;
-  std::string file = dir.Write("MetaBase.xml", Export("<IIsWebDirectory/>\n"));
-  auto r = qvhosttest::RunQvhost(dir, "--metabase " + qvtest::ShellQuote(file) + " actions");
-  EXPECT_EQ(r.exitCode, 2);
-  EXPECT_EQ(r.err, "qvhost: " + file + ":4: <IIsWebDirectory> has no Location\n");
-  r = qvhosttest::RunQvhost(dir, "actions", "QV_METABASE=" + dir.File("none.xml"));
-  EXPECT_EQ(r.err, "qvhost: Cannot read metabase file \"" + dir.File("none.xml") +
-                       "\" : No such file or directory\n");
 }
 
 }  // namespace

@@ -4,13 +4,13 @@
 
 #include <gtest/gtest.h>
 
-#include "HostServices.h"
+#include "HostTestSupport.h"
 #include "QvSysUtils.h"
 #include "support/ErrorOf.h"
 #include "support/TempDir.h"
 
 using qvhost::FindPackageFiles;
-using qvhost::TPackageLoader;
+using qvhosttest::TestHost;
 using qvtest::TempDir;
 
 namespace {
@@ -25,25 +25,17 @@ TEST(TPackageLoader, FindsThePackagesOfAFolderInNameOrder) {
   EXPECT_TRUE(FindPackageFiles(dir.File("missing")).empty());
 }
 
+// The package named twice (a second path to the same file) is loaded once: a second
+// registration of its actions would throw.
 TEST(TPackageLoader, LoadsAPackageOnceAndRegistersIt) {
-  qvhost::THostServices services;
-  qv::QvActionServices = &services;
-  qv::QvScriptingServices = &services;
-  qv::QvOptionsServices = &services;
-  {
-    TPackageLoader loader;
-    std::string package = QV_HOST_TEST_PACKAGE;
-    std::string sameFile = qv::ExtractFilePath(package) + "../host/" + qv::ExtractFileName(package);
-    loader.Load({package, sameFile}, false);
-    EXPECT_EQ(loader.Count(), 1u);
-    EXPECT_EQ(services.Actions().size(), 7u);
-    std::string error = qvtest::ErrorOf([&] { loader.Load({"/nonexistent/x.qvp"}, false); });
-    EXPECT_TRUE(error.starts_with("Cannot load package /nonexistent/x.qvp : ")) << error;
-    services.ReleaseOptions();
-  }
-  qv::QvActionServices = nullptr;
-  qv::QvScriptingServices = nullptr;
-  qv::QvOptionsServices = nullptr;
+  TempDir dir;
+  std::string error =
+      qvtest::ErrorOf([&] { TestHost(dir, [](auto& s) { s.Packages = {"/nonexistent/x.qvp"}; }); });
+  EXPECT_TRUE(error.starts_with("Cannot load package /nonexistent/x.qvp : ")) << error;
+  std::string package = QV_HOST_TEST_PACKAGE;
+  std::string sameFile = qv::ExtractFilePath(package) + "../host/" + qv::ExtractFileName(package);
+  TestHost host(dir, [&](auto& s) { s.Packages.push_back(sameFile); });
+  EXPECT_EQ(host.Session->Services().Actions().size(), 7u);
 }
 
 }  // namespace

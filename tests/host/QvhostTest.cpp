@@ -23,22 +23,24 @@ TEST(Qvhost, EachCommandsOutputAndExitStatus) {
   std::string counted = dir.Write(
       "count.qvproj", "<QvProject><Actions><Action type='Count Builds'/></Actions></QvProject>");
   std::filesystem::permissions(counted, std::filesystem::perms::owner_read);
+  dir.Write("MetaBase.xml", "<configuration>\n<MBProperty");
   struct Case {
     std::string args;
     int exit;
     std::string err, out = "*";  // "*": not compared
+    std::string env = "";
   } cases[] = {
       {"run fail.qvproj", 1, ""},
-      {"run bad.qvproj", 2, "qvhost: bad.qvproj:3: Start-end tags mismatch\n"},
       {"run none.qvproj", 2,
        "qvhost: Cannot read project file \"none.qvproj\" : No such file or directory\n"},
       {"exec " + ShellQuote("No Such Action"), 2,
        "qvhost: Unknown action type \"No Such Action\" (qvhost actions lists the types)\n"},
-      {"exec Fail Mode=9", 2,
-       "qvhost: Invalid value '9' for property \"Mode\": Mode must be one of fmFailAction, "
-       "fmException, fmReturnFalse, fmUnknown\n"},
       {"--var Config actions", 2, "qvhost: expected NAME=VALUE, not \"Config\"\n"},
-      {"--package /nonexistent/x.qvp actions", 2, "*"},
+      // An IIS metabase export is read at start, named by --metabase or by QV_METABASE.
+      {"--metabase MetaBase.xml actions", 2,
+       "qvhost: MetaBase.xml:2: Error parsing start element tag\n"},
+      {"actions", 2, "qvhost: Cannot read metabase file \"none.xml\" : No such file or directory\n",
+       "*", "QV_METABASE=none.xml"},
       {"--log-format xml actions", 2, "*"},
       {"run", 2, "PROJECT is required\nRun with --help for more information.\n"},
       {"", 2, "A subcommand is required\nRun with --help for more information.\n"},
@@ -71,8 +73,8 @@ TEST(Qvhost, EachCommandsOutputAndExitStatus) {
        "[error] Build succeeded but saving its changes failed: 1 action in T s\n"},
   };
   for (const auto& c : cases) {
-    SCOPED_TRACE(c.args);
-    auto r = RunQvhost(dir, c.args);
+    SCOPED_TRACE(c.env + " " + c.args);
+    auto r = RunQvhost(dir, c.args, c.env);
     EXPECT_EQ(r.exitCode, c.exit) << r.out << r.err;
     EXPECT_EQ(c.err == "*" ? "*" : r.err, c.err);
     EXPECT_EQ(c.out == "*" ? "*" : WithoutTimes(r.out), c.out);

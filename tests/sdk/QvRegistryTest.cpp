@@ -59,9 +59,6 @@ TEST(RegistryReadString, WithoutAReaderNothingIsFound) {
   std::string v = "untouched";
   EXPECT_FALSE(RegistryReadString(TRegistryRoot::LocalMachine, "SOFTWARE", "X", v));
   EXPECT_EQ(v, "untouched");
-  auto reg = TRegFileRegistry::LoadFromText(kExport, "vs.reg");
-  QvRegistry = reg.get();
-  EXPECT_TRUE(RegistryReadString(TRegistryRoot::LocalMachine, kVs8, "InstallDir", v));
   QvRegistry = saved;
 }
 
