@@ -36,32 +36,19 @@ std::string Native(const std::string& path) {
 }
 
 const std::string kBin = QV_OUTPUT_DIR;
-const std::string kStandIn = Native(QV_DEVENV_STANDIN);
 const std::string kMSTestFolder =
     qv::IncludeTrailingPathDelimiter(qv::ExtractFileDir(Native(QV_MSTEST_STANDIN)));
-
-// One call as the stand-ins record it in calls.txt (RecordCall.h): the working folder, then
-// each argument.
-std::string Call(const Lines& fields) {
-  std::string line;
-  for (const auto& field : fields)
-    line += (line.empty() ? "" : "\t") + qv::StringReplaceAll(field, "\\", "\\\\");
-  return line + "\n";
-}
 
 // One qvhost session: its own options, key and stand-in folder, and a copy of the samples.
 struct Session {
   TempDir dir;
   std::string samples = dir.File("samples");
   std::string standinDir = dir.File("standin");
-  std::string fakeFx = dir.File("fakefx");  // a framework whose MSBuild.exe is the stand-in
 
   Session() {
     fs::copy(QV_EXAMPLES_DIR, samples, fs::copy_options::recursive);
     fs::create_directories(standinDir);
-    fs::create_directories(fakeFx);
-    fs::copy_file(kStandIn, dir.File("fakefx/MSBuild.exe"));
-    Options(qv::IncludeTrailingPathDelimiter(qv::ExtractFileDir(kStandIn)));
+    Options(qv::IncludeTrailingPathDelimiter(qv::ExtractFileDir(Native(QV_DEVENV_STANDIN))));
   }
 
   // Options naming `folder` as every Visual Studio edition's, 2008 the default edition.
@@ -77,8 +64,6 @@ struct Session {
 
   // A file of the samples' copy.
   std::string Sample(const std::string& name) const { return Native(samples + "/" + name); }
-  // The stand-ins' calls.txt.
-  std::string Calls() const { return TempDir::Read(standinDir + "/calls.txt"); }
 
   // qvhost with this session's options and package, logging JSON lines; Run gives it this
   // session's environment (through env on POSIX, to the process directly on Windows).
@@ -148,25 +133,7 @@ struct Log {
   }
 };
 
-// ---- devenv.com and MSTest.exe: the stand-ins ------------------------------------------------
-
-// Under MSBuild a setup project goes to devenv.com, whose output is read by the MSBuild rules;
-// its arguments are split as the Windows C runtime splits them, so the quoted configuration
-// runs into "/project".
-TEST(DevEnv, SetupProjectsAreBuiltWithDevEnvUnderMSBuild) {
-  Session s;
-  s.dir.Write("standin/default.out", TempDir::Read(QV_FIXTURES_DIR "/devenv/vs2008-succeeded.txt"));
-  std::string sln = s.Sample("vs2008/Mixed.sln");
-  auto r = s.Run(s.Command(s.fakeFx, {"Solution=" + sln, "SolutionConfiguration=Release|Any CPU",
-                                      "VStudioVersion=vs2008", "BuildType=btSelectedProjects",
-                                      "SelectedProjects=GreetingSetup", "StructuredOutput=False"}));
-  ASSERT_EQ(r.exitCode, 0) << r.out << r.err;
-  EXPECT_THAT(
-      Log(r.out).Messages(),
-      Contains("[1] ========== Build: 2 succeeded, 0 failed, 0 up-to-date, 0 skipped =========="));
-  EXPECT_EQ(s.Calls(), Call({s.Sample("vs2008"), "/build", "Release|Any CPU/project",
-                             "GreetingSetup\\GreetingSetup.vdproj", sln}));
-}
+// ---- devenv.com's stand-in, and the check command -------------------------------------------
 
 #ifndef _WIN32  // signals; Windows' own form is in the host's suite
 TEST(DevEnv, TerminationStopsTheCompilerAndItsChildren) {
@@ -182,15 +149,14 @@ TEST(DevEnv, TerminationStopsTheCompilerAndItsChildren) {
       " ] && break; sleep 0.05; done; kill -INT $pid; wait $pid)");
   EXPECT_EQ(r.exitCode, 130) << r.out;
   EXPECT_THAT(Log(r.out).Messages(), Contains("[3] Action Terminated by User."));
-  EXPECT_EQ(s.Calls(), Call({s.Sample("vs2008"), "/build", "Release|Win32", sln}));
   EXPECT_TRUE(qvtest::ProcessEnds(std::stoi(TempDir::Read(started))));
   EXPECT_TRUE(qvtest::ProcessEnds(std::stoi(TempDir::Read(s.standinDir + "/run1.child"))))
       << "the compiler's own children are stopped too";
 }
 #endif
 
-// Every finding with the action's file and line, without building anything. (A project
-// without problems is checked in the demo's case.)
+// Every finding with the action's file and line. (That check runs no action is pinned by the
+// host's suite; a project without problems is checked in the demo's case.)
 TEST(Check, ReportsWhatABuildWouldTripOverWithoutRunningIt) {
   Session s;
   std::string file =
@@ -204,7 +170,8 @@ TEST(Check, ReportsWhatABuildWouldTripOverWithoutRunningIt) {
                       "<Property name='SelectedProjects'><Line>Nowhere.csproj</Line></Property>"
                       "<Property name='ExtraCmdLineParams'>/p:X=%Missing%</Property>"
                       "</Action></Actions></QvProject>");
-  auto r = s.Run(s.Qvhost(s.fakeFx) + " check " + file);
+  s.dir.Write("fx/MSBuild.exe", "");
+  auto r = s.Run(s.Qvhost(s.dir.File("fx")) + " check " + file);
   EXPECT_EQ(r.exitCode, 1);
   std::string findings;
   for (const char* finding :
@@ -216,21 +183,6 @@ TEST(Check, ReportsWhatABuildWouldTripOverWithoutRunningIt) {
         "is in vs2008 format"})
     findings += file + ":1" + finding + "\n";
   EXPECT_EQ(r.out, findings + "Checked 1 action: 3 problems, 1 warning\n");
-  EXPECT_FALSE(fs::exists(s.Sample("vs2008/Greeting.Lib/bin"))) << "nothing was built";
-}
-
-// The stand-in replays a run with a failed test: MSTest.exe's exit code fails the action.
-TEST(MSTestRun, AFailedTestFailsTheAction) {
-  Session s;
-  s.Options(kMSTestFolder);
-  std::string dll = s.dir.Write("bin/Greeting.Tests.dll", "MZ");
-  s.dir.Write("standin/tests.txt", "Passed Greeting.Tests.A\nFailed Greeting.Tests.B\n");
-  auto r = s.Run(s.Qvhost(kBin + "/mono") + " exec \"Run MSTest\" VisualStudioVer=vs2008 " +
-                 ShellQuote("AssemblyFileName=" + dll) + " PublishMode=pbNone");
-  EXPECT_EQ(r.exitCode, 1) << r.out;
-  EXPECT_EQ(s.Calls(), Call({s.dir.File("bin"), "/testcontainer:" + dll, "/nologo"}));
-  EXPECT_EQ(Log(r.out).Metrics(),
-            (Counts{{"Unit_Tests.Tests_Failed", "1"}, {"Unit_Tests.Tests_Successful", "1"}}));
 }
 
 // ---- MSBuild with each engine: Mono's xbuild and the .NET SDK's ----------------------------
@@ -331,10 +283,10 @@ TEST_P(MSBuild, CompilerWarningsAndErrors) {
   r = Exec(props);
   EXPECT_EQ(r.exitCode, 1);
   EXPECT_EQ(Log(r.out).Metrics(), (Counts{{"Compiler.Errors", "1"}, {"Compiler.Warnings", "0"}}));
-  // The structured fields name the file by a path a reader can open.
+  // The structured fields name the file by a path a reader can open (the other fields are the
+  // log's own suite's).
   EXPECT_NE(r.out.find("\"file\":\"" + s.dir.File(greeter) + "\",\"line\":"), std::string::npos)
       << r.out;
-  EXPECT_NE(r.out.find("\"code\":\"CS0103\",\"severity\":\"error\""), std::string::npos);
   EXPECT_NE(r.out.find("{\"event\":\"runEnd\",\"success\":false,\"errors\":1,"), std::string::npos);
 }
 
