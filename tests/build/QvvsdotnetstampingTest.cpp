@@ -46,9 +46,8 @@ TEST_F(Stamping, CountsTheBuildUpAndStampsTheChosenProjects) {
             "> Updating Win32 Version Info (type 0) [0]\n"
             "  [0] Updating Version info in file : " +
                 script + "\n< [1]\n");
-  std::string out = TempDir::Read(script);
-  EXPECT_NE(out.find("FILEVERSION 1,0,0,42\r\n"), std::string::npos);
-  EXPECT_NE(out.find("VALUE \"FileVersion\", \"1.0.0.42\"\r\n"), std::string::npos);
+  // (How the numbers fill the block, the FileVersion value too, is the version-info suite's.)
+  EXPECT_NE(TempDir::Read(script).find("FILEVERSION 1,0,0,42\r\n"), std::string::npos);
   a.StampWin32Resources(*solution);
   EXPECT_NE(TempDir::Read(script).find("FILEVERSION 1,0,0,43\r\n"), std::string::npos);
 }
