@@ -135,6 +135,20 @@ struct Log {
 
 // ---- devenv.com's stand-in, and the check command -------------------------------------------
 
+// A solution built by devenv.com, its stand-in replaying Visual Studio 2008's transcript: the
+// summary is read from the child's output as it arrives.
+TEST(DevEnv, ASolutionBuildIsReadFromTheTranscript) {
+  Session s;
+  s.dir.Write("standin/default.out", TempDir::Read(QV_FIXTURES_DIR "/devenv/vs2008-succeeded.txt"));
+  auto r =
+      s.Run(s.Command(s.dir.Path(), {"Solution=" + s.Sample("vs2008/Mixed.sln"),
+                                     "SolutionConfiguration=Release|Any CPU", "UseMSBuild=False"}));
+  ASSERT_EQ(r.exitCode, 0) << r.out << r.err;
+  EXPECT_THAT(
+      Log(r.out).Messages(),
+      Contains("[1] ========== Build: 2 succeeded, 0 failed, 0 up-to-date, 0 skipped =========="));
+}
+
 #ifndef _WIN32  // signals; Windows' own form is in the host's suite
 TEST(DevEnv, TerminationStopsTheCompilerAndItsChildren) {
   Session s;
