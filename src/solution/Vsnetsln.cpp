@@ -459,8 +459,7 @@ void TSolutionReader::ReadProjectLine(std::string_view line) {
     return;  // skipped: the current project stays what it was
   auto* project = new TVSDotNetProject(items[0], path, typeGuid, items[2], FFileName);
   IntfPtr<IVSDotNetProject> ref(project);
-  if (!existing.empty() && LowerCase(ExtractFileExt(existing)) == ".vcproj")
-    FReads.Add(project, std::move(existing));
+  if (!existing.empty() && project->IsVCProject()) FReads.Add(project, std::move(existing));
   FSolution->Projects().Add(ref);
   FCurrent = project;
 }
