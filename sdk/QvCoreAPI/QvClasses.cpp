@@ -115,14 +115,12 @@ std::string_view BreakText(TLineBreak b) {
   }
 }
 
-}  // namespace
-
-namespace {
 // The position of `c` at or after `from`, or the size of `text` when there is none.
 size_t FindFrom(std::string_view text, char c, size_t from) {
   size_t at = text.find(c, from);
   return at == std::string_view::npos ? text.size() : at;
 }
+
 }  // namespace
 
 std::vector<TTextLine> DecodeTextFile(std::string_view bytes, TTextFormat& format,

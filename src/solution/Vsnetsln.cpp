@@ -330,7 +330,8 @@ class TProjectFileReads {
     }
   }
 
-  // On the way out of a failed read: the second thread takes nothing more.
+  // Only for a reader that leaves without Finish: the second thread takes nothing more and is
+  // waited for, since a running thread must not be destroyed.
   void Stop() {
     if (!FWorker.joinable()) return;
     {

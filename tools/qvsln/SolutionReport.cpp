@@ -62,30 +62,29 @@ void AppendProjectJson(std::string& out, IVSDotNetProject& p) {
 }  // namespace
 
 void WriteSolutionJson(IVSDotNetSolution& solution, std::ostream& out) {
-  std::string head;
-  AppendField(head, "{\"fileName\":", solution.GetFileName());
-  AppendField(head, ",\"version\":", VersionName(solution.GetVersion()));
-  head += ",\"configurations\":";
+  std::string text;
+  AppendField(text, "{\"fileName\":", solution.GetFileName());
+  AppendField(text, ",\"version\":", VersionName(solution.GetVersion()));
+  text += ",\"configurations\":";
   if (auto c = solution.GetConfigurations()) {
     std::vector<std::string> names;
     for (int i = 0; i < c->GetCount(); ++i)
       names.push_back(c->GetItem(i)->GetName());
-    AppendJsonArray(head, names);
+    AppendJsonArray(text, names);
   } else {
-    head += "null";
+    text += "null";
   }
-  head += ",\"projects\":[";
+  text += ",\"projects\":[";
   // Written a few projects at a time: the text of a large solution runs to megabytes.
-  auto projects = solution.GetProjects();
-  for (int i = 0; i < projects->GetCount(); ++i) {
-    if (i) head += ',';
-    AppendProjectJson(head, *projects->GetItem(i));
-    if (head.size() >= 65536) {
-      out << head;
-      head.clear();
+  ForEachProject(solution, [&](int i, IVSDotNetProject& p) {
+    if (i) text += ',';
+    AppendProjectJson(text, p);
+    if (text.size() >= 65536) {
+      out << text;
+      text.clear();
     }
-  }
-  out << head << "]}\n";
+  });
+  out << text << "]}\n";
 }
 
 std::string SolutionText(IVSDotNetSolution& solution) {
