@@ -21,37 +21,27 @@ TestHost::TestHost(const qvtest::TempDir& dir,
   Session = std::make_unique<qvhost::THostSession>(settings, Out, [] { return 0.0; });
 }
 
-#ifdef _WIN32
-// No shell on Windows: the folder and the environment go to the process directly, and the
-// per-user folder is APPDATA's.
-std::string QvhostCommand(const qvtest::TempDir&, const std::string& args, const std::string&) {
+std::string QvhostCommand(const std::string& args) {
   return ShellQuote(QV_QVHOST) + " --no-default-packages --package " +
          ShellQuote(QV_HOST_TEST_PACKAGE) + " " + args;
 }
 
-qvtest::CommandResult RunQvhost(const qvtest::TempDir& dir, const std::string& args,
-                                const std::string& env) {
+// The per-user folder is XDG_CONFIG_HOME's on POSIX, APPDATA's on Windows.
+qvtest::CommandResult RunInDir(const qvtest::TempDir& dir, const std::string& command,
+                               const std::string& env) {
   std::vector<std::string> environment = {"QV_REGISTRY", "QV_KEY_FILE", "NO_COLOR=1",
+                                          "XDG_CONFIG_HOME=" + dir.File("config"),
                                           "APPDATA=" + dir.File("config")};
   std::istringstream assignments(env);
   for (std::string assignment; assignments >> assignment;)
     environment.push_back(assignment);
-  return qvtest::RunCommand(QvhostCommand(dir, args, env), dir.Path(), environment);
-}
-#else
-std::string QvhostCommand(const qvtest::TempDir& dir, const std::string& args,
-                          const std::string& env) {
-  return "cd " + ShellQuote(dir.Path()) + " && exec env" +
-         " -u QV_REGISTRY -u QV_KEY_FILE XDG_CONFIG_HOME=" + ShellQuote(dir.File("config")) +
-         " NO_COLOR=1 " + env + " " + ShellQuote(QV_QVHOST) + " --no-default-packages --package " +
-         ShellQuote(QV_HOST_TEST_PACKAGE) + " " + args;
+  return qvtest::RunCommand(command, dir.Path(), environment);
 }
 
 qvtest::CommandResult RunQvhost(const qvtest::TempDir& dir, const std::string& args,
                                 const std::string& env) {
-  return qvtest::RunCommand(QvhostCommand(dir, args, env));
+  return RunInDir(dir, QvhostCommand(args), env);
 }
-#endif
 
 std::string WithoutTimes(std::string_view log) {
   std::string out = std::regex_replace(std::string(log), std::regex(" in [0-9.]+ s"), " in T s");

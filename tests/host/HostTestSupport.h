@@ -23,11 +23,13 @@ struct TestHost {
   std::unique_ptr<qvhost::THostSession> Session;
 };
 
-// The command line that runs qvhost with only the test package, its per-user folder inside
-// `dir`, NO_COLOR set and `dir` as working folder; `env` holds extra NAME=VALUE assignments
-// for its environment. RunQvhost runs it.
-std::string QvhostCommand(const qvtest::TempDir& dir, const std::string& args,
-                          const std::string& env = "");
+// The command line that runs qvhost with only the test package and `args`.
+std::string QvhostCommand(const std::string& args);
+// `command` run with `dir` as working folder, qvhost's per-user folder inside it, NO_COLOR set,
+// and `env` (NAME=VALUE assignments separated by blanks) added to its environment.
+qvtest::CommandResult RunInDir(const qvtest::TempDir& dir, const std::string& command,
+                               const std::string& env = "");
+// RunInDir of QvhostCommand(args).
 qvtest::CommandResult RunQvhost(const qvtest::TempDir& dir, const std::string& args,
                                 const std::string& env = "");
 

@@ -160,10 +160,10 @@ TEST(Qvhost, SignalsStopTheRunningProgram) {
               "</Action><Action type='Log Messages'/></Actions></QvProject>");
     auto start = std::chrono::steady_clock::now();
     // qvhost handles SIGINT even where the shell starts background jobs ignoring it.
-    auto r = qvtest::RunCommand("((" + qvhosttest::QvhostCommand(dir, "run p.qvproj") +
-                                ") & pid=$!; for i in $(seq 400); do [ -s " +
-                                ShellQuote(dir.File("pid")) + " ] && break; sleep 0.05; done; " +
-                                "kill -" + signal + " $pid; wait $pid)");
+    auto r = qvhosttest::RunInDir(dir, "((" + qvhosttest::QvhostCommand("run p.qvproj") +
+                                           ") & pid=$!; for i in $(seq 400); do [ -s pid ] && "
+                                           "break; sleep 0.05; done; kill -" +
+                                           signal + " $pid; wait $pid)");
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20));
     EXPECT_EQ(r.exitCode, status) << r.out << r.err;
     EXPECT_TRUE(qvtest::ProcessEnds(std::stoi(TempDir::Read(dir.File("pid")))));

@@ -2,98 +2,63 @@
 
 #ifdef _WIN32
 #include "QvWin32.h"
-#else
-#include <sys/wait.h>
 #endif
 
 #include <chrono>
-#include <cstdlib>
-#include <map>
+#include <optional>
 #include <thread>
 
+#include "ProcessRunner.h"
 #include "QvPlatform.h"
-#include "QvProcess.h"
 #include "QvSysUtils.h"
-#include "TempDir.h"
 
 namespace qvtest {
 
-#ifdef _WIN32
-// Windows has no POSIX shell here: the command line is a program and its arguments, split by
-// the C runtime's rules, and the program's text output comes back with LF line ends.
-std::string ShellQuote(const std::string& arg) {
-  return qv::QuoteCommandLineArg(arg);
-}
-
-CommandResult RunCommand(const std::string& command) {
-  return RunCommand(command, "", {});
-}
-
 namespace {
-// The environment block of this process with `changes` applied: names compared without case,
-// as Windows does, and sorted, as CreateProcessW expects.
-std::wstring EnvironmentBlock(const std::vector<std::string>& changes) {
-  auto upper = [](std::wstring s) {
-    for (auto& c : s)
-      c = towupper(c);
-    return s;
-  };
-  std::map<std::wstring, std::wstring> vars;  // upper-case name -> NAME=VALUE
-  wchar_t* current = GetEnvironmentStringsW();
-  for (const wchar_t* p = current; *p; p += wcslen(p) + 1) {
-    std::wstring entry(p);
-    vars[upper(entry.substr(0, entry.find(L'=', 1)))] = entry;
-  }
-  FreeEnvironmentStringsW(current);
-  for (const auto& change : changes) {
-    std::wstring entry = qv::win32::Wide(change);
-    size_t eq = entry.find(L'=');
-    if (eq == std::wstring::npos)
-      vars.erase(upper(entry));
-    else
-      vars[upper(entry.substr(0, eq))] = entry;
-  }
-  std::wstring block;
-  for (const auto& [name, entry] : vars)
-    block += entry + L'\0';
-  return block + L'\0';
-}
+struct Capture : qv::IQvProcessOutputHandler {
+  std::string text[2];
+  void OnStdOutData(qv::IQvProcess*, std::string_view chunk) override { text[0] += chunk; }
+  void OnStdErrData(qv::IQvProcess*, std::string_view chunk) override { text[1] += chunk; }
+};
 }  // namespace
 
 CommandResult RunCommand(const std::string& command, const std::string& folder,
                          const std::vector<std::string>& environment) {
-  TempDir dir;
-  SECURITY_ATTRIBUTES inherit{sizeof(SECURITY_ATTRIBUTES), nullptr, TRUE};
-  auto open = [&](const std::string& path, DWORD access, DWORD disposition) {
-    return CreateFileW(qv::win32::Wide(path).c_str(), access, FILE_SHARE_READ | FILE_SHARE_WRITE,
-                       &inherit, disposition, FILE_ATTRIBUTE_NORMAL, nullptr);
-  };
-  qv::win32::THandle out(open(dir.File("out"), GENERIC_WRITE, CREATE_ALWAYS)),
-      err(open(dir.File("err"), GENERIC_WRITE, CREATE_ALWAYS)),
-      in(open("NUL", GENERIC_READ, OPEN_EXISTING));
-  STARTUPINFOW si{};
-  si.cb = sizeof si;
-  si.dwFlags = STARTF_USESTDHANDLES;
-  si.hStdInput = in.Get();
-  si.hStdOutput = out.Get();
-  si.hStdError = err.Get();
-  std::wstring line = qv::win32::Wide(command);
-  PROCESS_INFORMATION pi{};
-  std::wstring block = EnvironmentBlock(environment), cwd = qv::win32::Wide(folder);
-  if (!CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE,
-                      CREATE_NO_WINDOW | CREATE_UNICODE_ENVIRONMENT, block.data(),
-                      folder.empty() ? nullptr : cwd.c_str(), &si, &pi))
-    return {-1, "", "cannot run: " + command};
-  qv::win32::THandle process(pi.hProcess), thread(pi.hThread);
-  WaitForSingleObject(pi.hProcess, INFINITE);
-  DWORD code = 0;
-  GetExitCodeProcess(pi.hProcess, &code);
-  out.Reset();
-  err.Reset();
-  auto text = [&](const char* name) {
-    return qv::StringReplaceAll(TempDir::Read(dir.File(name)), "\r\n", "\n");
-  };
-  return {static_cast<int>(code), text("out"), text("err")};
+  // The child inherits this process's environment: changed for the run, then restored.
+  std::vector<std::pair<std::string, std::optional<std::string>>> saved;
+  for (const auto& change : environment) {
+    size_t eq = change.find('=');
+    saved.emplace_back(change.substr(0, eq), qv::platform::GetEnv(change.substr(0, eq)));
+    SetEnv(saved.back().first, eq == std::string::npos ? nullptr : change.c_str() + eq + 1);
+  }
+  auto process = qvhost::NewHostProcess();
+#ifdef _WIN32
+  // The program is the first argument; what follows it is passed on as it stands.
+  size_t end = command.starts_with('"') ? command.find('"', 1) + 1 : command.find(' ');
+  process->SetExecutable(qv::SplitCommandLine(command.substr(0, end)).at(0));
+  process->SetParameters(end < command.size() ? command.substr(end + 1) : "");
+#else
+  process->SetExecutable("/bin/sh");
+  process->SetParameters("-c " + qv::QuoteCommandLineArg(command));
+#endif
+  Capture capture;
+  process->SetCaptureOutput(true);
+  process->SetHideWindow(true);
+  process->SetStartingDir(folder);
+  process->SetOutputHandler(&capture);
+  int code = process->Run();
+  for (const auto& [name, value] : saved)
+    SetEnv(name, value ? value->c_str() : nullptr);
+#ifdef _WIN32
+  for (auto& text : capture.text)
+    text = qv::StringReplaceAll(text, "\r\n", "\n");
+#endif
+  return {code, capture.text[0], capture.text[1]};
+}
+
+#ifdef _WIN32
+std::string ShellQuote(const std::string& arg) {
+  return qv::QuoteCommandLineArg(arg);
 }
 
 void SetEnv(const std::string& name, const char* value) {
@@ -115,14 +80,6 @@ std::string ShellQuote(const std::string& arg) {
   return r + "'";
 }
 
-CommandResult RunCommand(const std::string& command) {
-  TempDir dir;
-  std::string out = dir.File("out"), err = dir.File("err");
-  int status = std::system(
-      (command + " >" + ShellQuote(out) + " 2>" + ShellQuote(err) + " </dev/null").c_str());
-  return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, TempDir::Read(out), TempDir::Read(err)};
-}
-
 void SetEnv(const std::string& name, const char* value) {
   if (value)
     setenv(name.c_str(), value, 1);
@@ -141,7 +98,6 @@ bool ProcessEnds(int pid, double seconds) {
     std::this_thread::sleep_for(std::chrono::milliseconds(10));
   }
 }
-
 #endif
 
 }  // namespace qvtest
