@@ -1,5 +1,6 @@
 #include "RecordingActionContext.h"
 
+#include "ProcessRunner.h"
 #include "QvExceptions.h"
 #include "QvSysUtils.h"
 #include "QvUtils.h"
@@ -10,76 +11,30 @@ using namespace qv;
 
 namespace {
 
-// Records what it was given and replays its script when run.
-class ScriptedProcess : public TInterfacedObject, public IQvProcess {
+// Records what it was given and, when run, replays its script through the host's delivery of
+// output (whole lines, only when captured): all of standard output, then all of standard error.
+class ScriptedProcess : public qvhost::THostProcess {
  public:
   ScriptedProcess(std::vector<ProcessRun>& runs, ProcessScript script)
       : FRuns(runs), FScript(std::move(script)) {}
-  void SetExecutable(const std::string& path) override { FRun.exe = path; }
-  void SetParameters(const std::string& params) override { FRun.params = params; }
-  void SetCaptureOutput(bool) override {}
-  void SetHideWindow(bool) override {}
-  void SetStartingDir(const std::string& dir) override { FRun.dir = dir; }
-  void SetTerminateEvent(TAutoResetEvent*) override {}
-  void SetOutputHandler(IQvProcessOutputHandler* handler) override { FHandler = handler; }
-  // The script's chunks are the pipe's reads; like the host's runner, the handler gets them
-  // as whole lines.
   int Run() override {
-    FRuns.push_back(FRun);
-    auto replay = [](const std::vector<std::string>& chunks, const TLineAssembler::TSink& sink) {
-      TLineAssembler lines;
-      for (const auto& chunk : chunks)
-        lines.Feed(chunk, sink);
-      lines.Finish(sink);
-    };
-    replay(FScript.out, [this](std::string_view c) { FHandler->OnStdOutData(this, c); });
-    replay(FScript.err, [this](std::string_view c) { FHandler->OnStdErrData(this, c); });
-    return FScript.exitCode;
-  }
-  int GetExitCode() const override { return FScript.exitCode; }
-  bool GetCleanExit() const override { return FScript.clean; }
-
- protected:
-  void* GetInterface(const TGUID& iid) override {
-    if (void* p = QueryInterfaceList<IQvProcess>(this, iid)) return p;
-    return TInterfacedObject::GetInterface(iid);
+    FRuns.push_back({FExecutable, FParameters, FStartingDir});
+    for (bool err : {false, true}) {
+      for (const auto& chunk : err ? FScript.err : FScript.out)
+        Deliver(err, chunk);
+      FlushTails();
+    }
+    FExitCode = FScript.exitCode;
+    FCleanExit = FScript.clean;
+    return FExitCode;
   }
 
  private:
   std::vector<ProcessRun>& FRuns;
-  ProcessRun FRun;
   ProcessScript FScript;
-  IQvProcessOutputHandler* FHandler = nullptr;
 };
 
 }  // namespace
-
-std::string MemoryPropertySet::GetPropertyNames() const {
-  TStringList names;
-  for (const auto& v : FValues)
-    names.Add(v.first);
-  return names.CommaText();
-}
-
-std::string MemoryPropertySet::GetValue(const std::string& name) const {
-  for (const auto& v : FValues)
-    if (SameText(v.first, name)) return v.second;
-  return {};
-}
-
-void MemoryPropertySet::SetValue(const std::string& name, const std::string& value) {
-  for (auto& v : FValues)
-    if (SameText(v.first, name)) {
-      v.second = value;
-      return;
-    }
-  FValues.emplace_back(name, value);
-}
-
-void* MemoryPropertySet::GetInterface(const TGUID& iid) {
-  if (void* p = QueryInterfaceList<IQvPropertySet>(this, iid)) return p;
-  return TInterfacedObject::GetInterface(iid);
-}
 
 IntfPtr<IQvPropertySet> RecordingActionContext::FindPropertySet(const std::string& name) {
   for (const auto& set : PropertySets)

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "ActionContext.h"
 #include "QvActions.h"
 
 namespace qvtest {
@@ -42,22 +43,15 @@ struct ProcessRun {
   std::string exe, params, dir;
 };
 
-// A property set held in memory, names without regard to case, in the order given.
-class MemoryPropertySet : public qv::TInterfacedObject, public qv::IQvPropertySet {
+// A property set held in memory: the host's own, filled with `values`.
+class MemoryPropertySet : public qvhost::THostPropertySet {
  public:
-  MemoryPropertySet(std::string name, std::vector<std::pair<std::string, std::string>> values)
-      : FName(std::move(name)), FValues(std::move(values)) {}
-  std::string GetName() const override { return FName; }
-  std::string GetPropertyNames() const override;
-  std::string GetValue(const std::string& name) const override;
-  void SetValue(const std::string& name, const std::string& value) override;
-
- protected:
-  void* GetInterface(const qv::TGUID& iid) override;
-
- private:
-  std::string FName;
-  std::vector<std::pair<std::string, std::string>> FValues;
+  MemoryPropertySet(std::string name,
+                    const std::vector<std::pair<std::string, std::string>>& values)
+      : THostPropertySet(std::move(name), {}) {
+    for (const auto& [n, v] : values)
+      LoadValue(n, v);
+  }
 };
 
 class RecordingActionContext : public qv::TInterfacedObject,
