@@ -35,9 +35,8 @@ bool Parse(int argc, char** argv, Options& o) {
       continue;
     }
     bool known = false;
-    for (const char* s : kValueSwitches) {
-      std::string sw = s;
-      if (a.compare(0, sw.size(), sw) != 0) continue;
+    for (std::string sw : kValueSwitches) {
+      if (!a.starts_with(sw)) continue;
       known = true;
       std::string v = a.substr(sw.size());
       if (sw == "/testcontainer:") o.container = v;
@@ -78,8 +77,8 @@ int main(int argc, char** argv) {
   std::string dir = dirEnv ? dirEnv : ".";
   standin::RecordCall(dir + "/calls.txt", argc, argv);
   Options o;
-  bool v8 =
-      std::getenv("QV_MSTEST_VERSION") && std::string(std::getenv("QV_MSTEST_VERSION")) == "8";
+  const char* version = std::getenv("QV_MSTEST_VERSION");
+  bool v8 = version && std::string(version) == "8";
   if (!Parse(argc, argv, o)) return 1;
   if (!o.nologo)
     std::cout << "Microsoft (R) Test Execution Command Line Tool Version "
@@ -91,7 +90,7 @@ int main(int argc, char** argv) {
                  "results.\nFor switch syntax, type \"MSTest /help\"\n";
     return 1;
   }
-  if (access(container.c_str(), R_OK) != 0) {
+  if (!std::ifstream(container)) {
     std::cout << "File does not exist: " << container << "\n";
     return 1;
   }

@@ -2,43 +2,35 @@
 // argument, separated by tabs (tabs, newlines and backslashes in them escaped as \t \n \\).
 #pragma once
 
-#ifdef _WIN32
-#include <direct.h>
-#else
-#include <unistd.h>
-#endif
-
+#include <filesystem>
 #include <fstream>
+#include <sstream>
 #include <string>
 
 namespace standin {
 
 inline std::string Escape(const std::string& s) {
   std::string r;
-  for (char c : s) {
-    if (c == '\t')
-      r += "\\t";
-    else if (c == '\n')
-      r += "\\n";
-    else if (c == '\\')
-      r += "\\\\";
-    else
-      r += c;
-  }
+  for (char c : s)
+    r += c == '\t' ? "\\t" : c == '\n' ? "\\n" : c == '\\' ? "\\\\" : std::string(1, c);
   return r;
 }
 
 inline void RecordCall(const std::string& callsFile, int argc, char** argv) {
-  char cwd[4096] = {};
-#ifdef _WIN32
-  if (!_getcwd(cwd, sizeof cwd - 1)) cwd[0] = '?';
-#else
-  if (!getcwd(cwd, sizeof cwd - 1)) cwd[0] = '?';
-#endif
-  std::string line = Escape(cwd);
+  std::error_code ec;
+  std::string line = Escape(std::filesystem::current_path(ec).string());
   for (int i = 1; i < argc; ++i)
     line += "\t" + Escape(argv[i]);
   std::ofstream(callsFile, std::ios::app | std::ios::binary) << line << "\n";
+}
+
+// The bytes of a file; false when it cannot be read.
+inline bool ReadFile(const std::string& path, std::string& out) {
+  std::ifstream in(path, std::ios::binary);
+  std::ostringstream bytes;
+  bytes << in.rdbuf();
+  out = bytes.str();
+  return static_cast<bool>(in);
 }
 
 }  // namespace standin

@@ -16,66 +16,31 @@
 #include <io.h>
 #include <windows.h>
 #else
-#include <signal.h>
-#include <sys/wait.h>
 #include <unistd.h>
 #endif
 
+#include <algorithm>
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <fstream>
-#include <sstream>
-#include <string>
+#include <thread>
 
 #include "RecordCall.h"
 
 namespace {
 
-bool ReadFile(const std::string& path, std::string& out) {
-  std::ifstream in(path, std::ios::binary);
-  if (!in) return false;
-  std::ostringstream ss;
-  ss << in.rdbuf();
-  out = ss.str();
-  return true;
-}
-
 // The file for this run, or the default one; false when neither exists.
 bool ReadRunFile(const std::string& dir, int run, const char* ext, std::string& out) {
-  return ReadFile(dir + "/run" + std::to_string(run) + ext, out) ||
-         ReadFile(dir + "/default" + ext, out);
+  return standin::ReadFile(dir + "/run" + std::to_string(run) + ext, out) ||
+         standin::ReadFile(dir + "/default" + ext, out);
 }
 
-int CountLines(const std::string& path) {
-  std::string text;
-  if (!ReadFile(path, text)) return 0;
-  int n = 0;
-  for (char c : text)
-    n += c == '\n';
-  return n;
-}
-
-void WriteAll(int fd, const std::string& data) {
-  size_t done = 0;
-  while (done < data.size()) {
+void Write(std::FILE* stream, const std::string& data) {
 #ifdef _WIN32
-    _setmode(fd, _O_BINARY);  // the transcript's bytes, without CR added before LF
-    int n = _write(fd, data.data() + done, static_cast<unsigned>(data.size() - done));
-#else
-    ssize_t n = write(fd, data.data() + done, data.size() - done);
+  _setmode(_fileno(stream), _O_BINARY);  // the transcript's bytes, without CR added before LF
 #endif
-    if (n <= 0) return;
-    done += static_cast<size_t>(n);
-  }
-}
-
-void SleepTenths(int tenths) {
-#ifdef _WIN32
-  Sleep(100 * static_cast<DWORD>(tenths));
-#else
-  for (int i = 0; i < tenths; ++i)
-    usleep(100000);
-#endif
+  std::fwrite(data.data(), 1, data.size(), stream);
+  std::fflush(stream);
 }
 
 // Starts a child that waits a minute; its process id, or -1.
@@ -105,7 +70,7 @@ long StartWaitingChild(const char* self) {
 
 int main(int argc, char** argv) {
   if (argc == 2 && std::string(argv[1]) == "--wait-a-minute") {
-    SleepTenths(600);
+    std::this_thread::sleep_for(std::chrono::minutes(1));
     return 0;
   }
   const char* dirEnv = std::getenv("QV_STANDIN_DIR");
@@ -113,31 +78,22 @@ int main(int argc, char** argv) {
     std::fprintf(stderr, "stand-in: QV_STANDIN_DIR is not set\n");
     return 90;
   }
-  std::string dir = dirEnv;
-  std::string calls = dir + "/calls.txt";
-  int run = CountLines(calls) + 1;
-
+  std::string dir = dirEnv, calls = dir + "/calls.txt", text;
+  int run = standin::ReadFile(calls, text) ? std::count(text.begin(), text.end(), '\n') + 1 : 1;
   standin::RecordCall(calls, argc, argv);
 
-  std::string text;
-  if (ReadRunFile(dir, run, ".out", text)) WriteAll(1, text);
-  if (ReadRunFile(dir, run, ".err", text)) WriteAll(2, text);
-
-  std::string wait;
-  if (ReadRunFile(dir, run, ".wait", wait)) {
-    if (wait.find("child") != std::string::npos) {
-      long child = StartWaitingChild(argv[0]);
-      std::ofstream(dir + "/run" + std::to_string(run) + ".child") << child << "\n";
-    }
+  if (ReadRunFile(dir, run, ".out", text)) Write(stdout, text);
+  if (ReadRunFile(dir, run, ".err", text)) Write(stderr, text);
+  std::string prefix = dir + "/run" + std::to_string(run);
+  if (ReadRunFile(dir, run, ".wait", text)) {
+    if (text.find("child") != std::string::npos)
+      std::ofstream(prefix + ".child") << StartWaitingChild(argv[0]) << "\n";
 #ifdef _WIN32
-    long self = static_cast<long>(GetCurrentProcessId());
+    std::ofstream(prefix + ".started") << GetCurrentProcessId() << "\n";
 #else
-    long self = static_cast<long>(getpid());
+    std::ofstream(prefix + ".started") << getpid() << "\n";
 #endif
-    std::ofstream(dir + "/run" + std::to_string(run) + ".started") << self << "\n";
-    SleepTenths(600);
+    std::this_thread::sleep_for(std::chrono::minutes(1));
   }
-
-  std::string exitText;
-  return ReadRunFile(dir, run, ".exit", exitText) ? std::atoi(exitText.c_str()) : 0;
+  return ReadRunFile(dir, run, ".exit", text) ? std::atoi(text.c_str()) : 0;
 }
