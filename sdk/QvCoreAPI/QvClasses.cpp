@@ -123,25 +123,31 @@ size_t FindFrom(std::string_view text, char c, size_t from) {
 
 }  // namespace
 
-std::vector<TTextLine> DecodeTextFile(std::string_view bytes, TTextFormat& format,
-                                      const std::string& fileName) {
-  std::string decoded;
-  std::string_view text = bytes;
+namespace {
+// The text of file bytes as UTF-8 (BOM detected): a view into `bytes`, or into `decoded` for
+// UTF-16.
+std::string_view DecodedText(std::string_view bytes, TTextFormat& format, std::string& decoded,
+                             const std::string& fileName) {
   format = TTextFormat{};
   if (bytes.starts_with(kBomUtf8)) {
     format.Encoding = TTextEncoding::UTF8;
-    text = bytes.substr(3);
-  } else if (bytes.starts_with(kBomUtf16LE) || bytes.starts_with(kBomUtf16BE)) {
+    return bytes.substr(3);
+  }
+  if (bytes.starts_with(kBomUtf16LE) || bytes.starts_with(kBomUtf16BE)) {
     bool be = bytes.starts_with(kBomUtf16BE);
     format.Encoding = be ? TTextEncoding::UTF16BE : TTextEncoding::UTF16LE;
     if (bytes.size() % 2 != 0)
       throw Exception("File \"" + fileName + "\" is not valid UTF-16 text (odd number of bytes)");
     decoded = Utf16ToUtf8(bytes.substr(2), be);
-    text = decoded;
+    return decoded;
   }
+  return bytes;
+}
 
-  std::vector<TTextLine> lines;
-  std::array<size_t, 4> breakCounts{};  // indexed by TLineBreak
+// Calls fn(line, break) for each line of `text`: a line ends at LF, CR LF or a lone CR; a last
+// line without a break comes with TLineBreak::None.
+template <class Fn>
+void ForEachTextLine(std::string_view text, Fn&& fn) {
   size_t start = 0;
   // The next break of each kind is searched for (a fast forward scan) only once it is passed:
   // large files are mostly line text.
@@ -151,23 +157,35 @@ std::vector<TTextLine> DecodeTextFile(std::string_view bytes, TTextFormat& forma
     if (nextCR < i) nextCR = FindFrom(text, '\r', i);
     i = std::min(nextLF, nextCR);
     if (i >= text.size()) break;
-    char c = text[i];
     TLineBreak br = TLineBreak::LF;
-    size_t len = 1;
-    if (c == '\r') {
+    if (text[i] == '\r')
       br = (i + 1 < text.size() && text[i + 1] == '\n') ? TLineBreak::CRLF : TLineBreak::CR;
-      len = br == TLineBreak::CRLF ? 2 : 1;
-    }
-    lines.push_back({std::string(text.substr(start, i - start)), br});
-    ++breakCounts[static_cast<size_t>(br)];
-    i += len - 1;
+    fn(text.substr(start, i - start), br);
+    if (br == TLineBreak::CRLF) ++i;
     start = i + 1;
   }
-  format.FinalNewline = true;
-  if (start < text.size()) {
-    lines.push_back({std::string(text.substr(start)), TLineBreak::None});
-    format.FinalNewline = false;
-  }
+  if (start < text.size()) fn(text.substr(start), TLineBreak::None);
+}
+
+std::string ReadTextFileBytes(const std::string& fileName) {
+  std::string bytes, error;
+  if (!platform::ReadWholeFile(fileName, bytes, error))
+    throw Exception("Cannot open file \"" + fileName + "\". " + error);
+  return bytes;
+}
+}  // namespace
+
+std::vector<TTextLine> DecodeTextFile(std::string_view bytes, TTextFormat& format,
+                                      const std::string& fileName) {
+  std::string decoded;
+  std::string_view text = DecodedText(bytes, format, decoded, fileName);
+  std::vector<TTextLine> lines;
+  std::array<size_t, 4> breakCounts{};  // indexed by TLineBreak
+  ForEachTextLine(text, [&](std::string_view line, TLineBreak br) {
+    lines.push_back({std::string(line), br});
+    ++breakCounts[static_cast<size_t>(br)];
+  });
+  format.FinalNewline = lines.empty() || lines.back().Break != TLineBreak::None;
   // The most frequent break wins; ties favour CR LF, then LF.
   format.DominantBreak = TLineBreak::CRLF;
   for (TLineBreak b : {TLineBreak::LF, TLineBreak::CR})
@@ -175,6 +193,22 @@ std::vector<TTextLine> DecodeTextFile(std::string_view bytes, TTextFormat& forma
         breakCounts[static_cast<size_t>(format.DominantBreak)])
       format.DominantBreak = b;
   return lines;
+}
+
+TTextFileLines::TTextFileLines(const std::string& fileName) : FBytes(ReadTextFileBytes(fileName)) {
+  TTextFormat format;
+  ForEachTextLine(DecodedText(FBytes, format, FDecoded, fileName),
+                  [&](std::string_view line, TLineBreak) { FLines.push_back(line); });
+}
+
+std::string_view TTextFileLines::operator[](int index) const {
+  if (index < 0 || index >= Count())
+    throw EStringListError("List index out of bounds (" + std::to_string(index) + ")");
+  return FLines[static_cast<size_t>(index)];
+}
+
+void TTextFileLines::DeleteFirst(int count) {
+  FLines.erase(FLines.begin(), FLines.begin() + count);
 }
 
 std::string EncodeTextFile(const std::vector<TTextLine>& lines, const TTextFormat& format) {
@@ -477,9 +511,7 @@ void TStringList::Sort() {
 }
 
 void TStringList::LoadFromFile(const std::string& fileName) {
-  std::string bytes, error;
-  if (!platform::ReadWholeFile(fileName, bytes, error))
-    throw Exception("Cannot open file \"" + fileName + "\". " + error);
+  std::string bytes = ReadTextFileBytes(fileName);
   TTextFormat format;
   std::vector<TTextLine> lines = DecodeTextFile(bytes, format, fileName);
   Clear();

@@ -32,6 +32,25 @@ struct TTextLine {
 // Throws Exception for UTF-16 text of odd length.
 std::vector<TTextLine> DecodeTextFile(std::string_view bytes, TTextFormat& format,
                                       const std::string& fileName);
+// A text file's lines, decoded as DecodeTextFile decodes them, as views into one buffer: a large
+// file read line by line without a string per line. Throws as TStringList::LoadFromFile does.
+class TTextFileLines {
+ public:
+  explicit TTextFileLines(const std::string& fileName);
+  TTextFileLines(const TTextFileLines&) = delete;
+  TTextFileLines& operator=(const TTextFileLines&) = delete;
+
+  int Count() const { return static_cast<int>(FLines.size()); }
+  // Throws EStringListError on a bad index, as a string list does.
+  std::string_view operator[](int index) const;
+  // Removes the first `count` lines.
+  void DeleteFirst(int count);
+
+ private:
+  std::string FBytes, FDecoded;
+  std::vector<std::string_view> FLines;
+};
+
 // Encodes lines back into file bytes in `format`.
 std::string EncodeTextFile(const std::vector<TTextLine>& lines, const TTextFormat& format);
 

@@ -1,5 +1,6 @@
 #include "Vsnetsln.h"
 
+#include <atomic>
 #include <condition_variable>
 #include <deque>
 #include <exception>
@@ -352,6 +353,89 @@ class TProjectFileReads {
   std::thread FWorker;
 };
 
+// ---- project lines, looked up ahead -------------------------------------------------------------
+
+// The fixed shapes of a solution file's lines.
+constexpr size_t kHeaderNumberAt =
+    53;  // after "Microsoft Visual Studio Solution File, Format Version "
+constexpr size_t kProjectPrefix = 9;  // "Project(\""
+constexpr size_t kGuidLength = 38;    // "{XXXXXXXX-XXXX-XXXX-XXXX-XXXXXXXXXXXX}"
+
+// A project line's fields and the existing file it names ("" when there is none).
+struct TProjectLookup {
+  int Line = -1;
+  std::string TypeGuid, Name, Path, Guid, Existing;
+};
+
+// Reads the fields of a project line, `Project("{TYPE}") = "NAME", "PATH", "{GUID}"`; false
+// when it has too few.
+bool ParseProjectLine(std::string_view line, TProjectLookup& out) {
+  std::string_view rest = line.substr(kProjectPrefix);
+  out.TypeGuid = rest.substr(0, std::min(kGuidLength, rest.size()));
+  rest.remove_prefix(out.TypeGuid.size());
+  size_t eq = rest.find('=');
+  if (eq == std::string::npos) return false;
+  TStringList items;
+  items.SetCommaText(TrimmedView(rest.substr(eq + 1)));
+  if (items.Count() < 3) return false;
+  out.Name = items[0];
+  out.Path = items[1];
+  out.Guid = items[2];
+  return true;
+}
+
+void LookUpProjectFile(TProjectLookup& project, const std::string& solutionDir) {
+  project.Existing = ResolveExistingFile(ExpandRelativePath(project.Path, solutionDir));
+}
+
+// Looks up the files of a solution's project lines before the lines are read, on two threads:
+// for a large solution, the file system's answers are most of the reading. Only what each line
+// says is worked out ahead, so a line read otherwise (say, as a dependency) changes nothing;
+// a line that could not be looked up is looked up when it is read.
+class TProjectLookups {
+ public:
+  // Looks up the project lines from `from` up to the "Global" line.
+  void Run(const TTextFileLines& lines, int from, const std::string& solutionDir) {
+    for (int i = from; i < lines.Count() && lines[i] != "Global"; ++i) {
+      std::string_view line = TrimmedView(lines[i]);
+      TProjectLookup project;
+      project.Line = i;
+      if (line.starts_with("Project(\"") && ParseProjectLine(line, project))
+        FProjects.push_back(std::move(project));
+    }
+    std::vector<char> done(FProjects.size(), 0);
+    std::atomic<size_t> next{0};
+    auto work = [&] {
+      for (size_t i; (i = next++) < FProjects.size();) {
+        try {
+          LookUpProjectFile(FProjects[i], solutionDir);
+          done[i] = 1;
+        } catch (...) {  // looked up again, and reported, when the line is read
+        }
+      }
+    };
+    constexpr size_t kWorthAThread = 64;
+    std::thread helper;
+    if (FProjects.size() >= kWorthAThread && std::thread::hardware_concurrency() > 1)
+      helper = std::thread(work);
+    work();
+    if (helper.joinable()) helper.join();
+    for (size_t i = 0; i < FProjects.size(); ++i)
+      if (!done[i]) FProjects[i].Line = -1;
+  }
+
+  // The lookup of the line at `index`, or null; lines are asked for in ascending order.
+  TProjectLookup* Take(int index) {
+    while (FNext < FProjects.size() && FProjects[FNext].Line < index)
+      ++FNext;
+    return FNext < FProjects.size() && FProjects[FNext].Line == index ? &FProjects[FNext] : nullptr;
+  }
+
+ private:
+  std::vector<TProjectLookup> FProjects;
+  size_t FNext = 0;
+};
+
 // ---- the solution file ----------------------------------------------------------------------
 
 class TSolutionReader {
@@ -360,7 +444,8 @@ class TSolutionReader {
       : FFileName(fileName),
         // Made absolute once, not for every project it is the base of.
         FSolutionDir(ExpandRelativePath(ExtractFilePath(fileName), "")),
-        FIncludeMissing(includeMissing) {}
+        FIncludeMissing(includeMissing),
+        FLines(fileName) {}
 
   IntfPtr<IVSDotNetSolution> Read();
 
@@ -375,22 +460,28 @@ class TSolutionReader {
   void ReadGlobalDependencies();
   // The line at FIndex, trimmed; past the end the line list's index error.
   std::string_view TrimmedLine() const { return TrimmedView(FLines[FIndex]); }
+  // The value of the first line in the file whose name part (before "=") is `name`, compared
+  // without case.
+  std::string_view FirstValueNamed(std::string_view name) const;
 
   std::string FFileName, FSolutionDir;
   bool FIncludeMissing;
-  TStringList FLines;
+  TTextFileLines FLines;
   int FIndex = 0;
+  TProjectLookups FLookups;
   IntfPtr<TVSDotNetSolution> FSolution;
   TVSDotNetProject* FCurrent = nullptr;
   TProjectFileReads FReads;
 };
 
 IntfPtr<IVSDotNetSolution> TSolutionReader::Read() {
-  LoadUnicodeFile(FFileName, FLines);
-  while (FLines.Count() > 0 && FLines[0].empty())
-    FLines.Delete(0);
+  int blank = 0;
+  while (blank < FLines.Count() && FLines[blank].empty())
+    ++blank;
+  FLines.DeleteFirst(blank);
   FSolution = IntfPtr<TVSDotNetSolution>(new TVSDotNetSolution(FFileName, ReadHeader()));
   FIndex = 1;
+  FLookups.Run(FLines, FIndex, FSolutionDir);
   // What fails first in the file is reported: a project file's error comes before anything
   // found after that project's line.
   try {
@@ -405,14 +496,8 @@ IntfPtr<IVSDotNetSolution> TSolutionReader::Read() {
   return IntfPtr<IVSDotNetSolution>(FSolution.Get());
 }
 
-// The fixed shapes of a solution file's lines.
-constexpr size_t kHeaderNumberAt =
-    53;  // after "Microsoft Visual Studio Solution File, Format Version "
-constexpr size_t kProjectPrefix = 9;  // "Project(\""
-constexpr size_t kGuidLength = 38;    // "{XXXXXXXX-XXXX-XXXX-XXXX-XXXXXXXXXXXX}"
-
 TVSDotNetVersion TSolutionReader::ReadHeader() {
-  const std::string& header = FLines[0];
+  std::string header(FLines[0]);
   TRegExpr re("Microsoft Visual Studio Solution File, Format Version \\d+\\.", true);
   if (!re.Exec(header)) throw Exception("Invalid Visual Studio Solution Header : " + header);
   std::string number = re.Match(0).substr(kHeaderNumberAt);
@@ -444,23 +529,22 @@ void TSolutionReader::ReadProjects() {
 }
 
 void TSolutionReader::ReadProjectLine(std::string_view line) {
-  std::string_view rest = line.substr(kProjectPrefix);
-  std::string typeGuid(rest.substr(0, std::min(kGuidLength, rest.size())));
-  rest.remove_prefix(typeGuid.size());
-  size_t eq = rest.find('=');
-  if (eq == std::string::npos) throw Exception("Error parsing project string");
-  TStringList items;
-  items.SetCommaText(TrimmedView(rest.substr(eq + 1)));
-  if (items.Count() < 3) throw Exception("Error parsing project string");
-  const std::string& path = items[1];
-
-  bool web = ContainsStr(path, "http://") || ContainsStr(path, "https://");
-  std::string existing = ResolveExistingFile(ExpandRelativePath(path, FSolutionDir));
-  if (!web && !FIncludeMissing && existing.empty())
+  TProjectLookup own;
+  TProjectLookup* found = FLookups.Take(FIndex);
+  if (!found) {
+    if (!ParseProjectLine(line, own)) throw Exception("Error parsing project string");
+    LookUpProjectFile(own, FSolutionDir);
+    found = &own;
+  }
+  bool web = ContainsStr(found->Path, "http://") || ContainsStr(found->Path, "https://");
+  if (!web && !FIncludeMissing && found->Existing.empty())
     return;  // skipped: the current project stays what it was
-  auto* project = new TVSDotNetProject(items[0], path, typeGuid, items[2], FFileName);
+  auto* project =
+      new TVSDotNetProject(std::move(found->Name), std::move(found->Path),
+                           std::move(found->TypeGuid), std::move(found->Guid), FFileName);
   IntfPtr<IVSDotNetProject> ref(project);
-  if (!existing.empty() && project->IsVCProject()) FReads.Add(project, std::move(existing));
+  if (!found->Existing.empty() && project->IsVCProject())
+    FReads.Add(project, std::move(found->Existing));
   FSolution->Projects().Add(ref);
   FCurrent = project;
 }
@@ -496,12 +580,24 @@ void TSolutionReader::ReadGlobal() {
 void TSolutionReader::ReadSolutionConfigurations() {
   auto configs = IntfPtr<TVSDotNetSolutionConfigurations>(new TVSDotNetSolutionConfigurations);
   for (; TrimmedLine() != "EndGlobalSection"; ++FIndex) {
-    std::string name = FLines.Names(FIndex);
-    if (Trim(name) == "Description") continue;
+    std::string_view line = FLines[FIndex];
+    size_t eq = line.find('=');
+    std::string_view name = eq == std::string_view::npos ? std::string_view() : line.substr(0, eq);
+    if (TrimmedView(name) == "Description") continue;
     // The value comes from the first line of the whole file with this name part.
-    configs->Add(Trim(FLines.Values(name)));
+    configs->Add(Trim(FirstValueNamed(name)));
   }
   FSolution->SetConfigurations(IntfPtr<IVSDotNetSolutionConfigurations>(configs.Get()));
+}
+
+std::string_view TSolutionReader::FirstValueNamed(std::string_view name) const {
+  for (int i = 0; i < FLines.Count(); ++i) {
+    std::string_view line = FLines[i];
+    size_t eq = line.find('=');
+    if (eq != std::string_view::npos && SameText(line.substr(0, eq), name))
+      return line.substr(eq + 1);
+  }
+  return {};
 }
 
 // One configuration line after the project's identifier: ".SOLUTION.ActiveCfg = PROJECT" or
