@@ -318,13 +318,4 @@ TEST_F(Execute, Outcomes) {
   }
 }
 
-TEST_F(Execute, StructuredOutputMetricsAreSentEvenWhenTheBuildFails) {
-  Set({"StructuredOutput=True"});
-  ctx->Scripts = {{{"a.cs(1,1): error CS0001: broken\n"}, 1}};
-  EXPECT_FALSE(action->Execute());
-  ASSERT_GE(ctx->Metrics.size(), 2u);
-  EXPECT_EQ(ctx->Metrics[ctx->Metrics.size() - 2].name, "Errors");
-  EXPECT_EQ(ctx->Metrics.back().name, "Warnings");
-}
-
 }  // namespace

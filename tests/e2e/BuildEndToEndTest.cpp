@@ -150,9 +150,10 @@ TEST(DevEnv, ASolutionBuildIsReadFromTheTranscript) {
 }
 
 #ifndef _WIN32  // signals; Windows' own form is in the host's suite
-TEST(DevEnv, TerminationStopsTheCompilerAndItsChildren) {
+// (That the compiler's own children stop with it is the process runner's suite's.)
+TEST(DevEnv, TerminationStopsTheCompiler) {
   Session s;
-  s.dir.Write("standin/run1.wait", "child");
+  s.dir.Write("standin/run1.wait", "");
   std::string started = s.standinDir + "/run1.started";  // written once the child runs
   std::string sln = s.Sample("vs2008/Mixed.sln");
   auto r = RunCommand(
@@ -164,8 +165,6 @@ TEST(DevEnv, TerminationStopsTheCompilerAndItsChildren) {
   EXPECT_EQ(r.exitCode, 130) << r.out;
   EXPECT_THAT(Log(r.out).Messages(), Contains("[3] Action Terminated by User."));
   EXPECT_TRUE(qvtest::ProcessEnds(std::stoi(TempDir::Read(started))));
-  EXPECT_TRUE(qvtest::ProcessEnds(std::stoi(TempDir::Read(s.standinDir + "/run1.child"))))
-      << "the compiler's own children are stopped too";
 }
 #endif
 
@@ -274,29 +273,24 @@ TEST_P(MSBuild, TheDemoBuildProcessRuns) {
                           "Iteration 3 of 3: P = Greeting.Tests", "Project Greeting.Tests"}));
 }
 
-// Warnings are counted, and silenced when disabled; a compile error fails the action with its
+// Disabled warnings are silenced (without the switch each engine reports at least one of them;
+// the parallel build's case counts warnings); a compile error fails the action with its
 // position, counted once however often the engine repeats it.
 TEST_P(MSBuild, CompilerWarningsAndErrors) {
   const std::string greeter = "samples/vs2008/Greeting.Lib/Greeter.cs";
-  auto addToGreeter = [&](const std::string& members) {
-    std::string text = TempDir::Read(s.dir.File(greeter));
-    s.dir.Write(greeter, text.insert(text.rfind('}', text.rfind('}') - 1), members + "    "));
-  };
-  Lines props = {"Solution=" + s.samples + "/vs2008/Greeting.sln",
-                 "SolutionConfiguration=Release|Any CPU", "VStudioVersion=vs2008"};
-  addToGreeter(
-      "    private int unusedField;\r\n"
-      "    public static void Noisy() { int assigned = 1; }\r\n");
-  auto r = Exec(props);
-  ASSERT_EQ(r.exitCode, 0) << r.out;
-  EXPECT_EQ(Log(r.out).Metrics()["Compiler.Warnings"], "2") << r.out;
-
-  addToGreeter("    public static int Broken() { return missingName; }\r\n");
-  props.insert(props.end(), {"OverrideWarnings=True", "DisableSelectedWarnings=True",
-                             "DisableWarnings=0169;0219"});
-  r = Exec(props);
+  std::string text = TempDir::Read(s.dir.File(greeter));
+  s.dir.Write(greeter,
+              text.insert(text.rfind('}', text.rfind('}') - 1),
+                          "    private int unusedField;\r\n"
+                          "    public static void Noisy() { int assigned = 1; }\r\n"
+                          "    public static int Broken() { return missingName; }\r\n    "));
+  auto r =
+      Exec({"Solution=" + s.samples + "/vs2008/Greeting.sln",
+            "SolutionConfiguration=Release|Any CPU", "VStudioVersion=vs2008",
+            "OverrideWarnings=True", "DisableSelectedWarnings=True", "DisableWarnings=0169;0219"});
   EXPECT_EQ(r.exitCode, 1);
-  EXPECT_EQ(Log(r.out).Metrics(), (Counts{{"Compiler.Errors", "1"}, {"Compiler.Warnings", "0"}}));
+  EXPECT_EQ(Log(r.out).Metrics(), (Counts{{"Compiler.Errors", "1"}, {"Compiler.Warnings", "0"}}))
+      << r.out;
   // The structured fields name the file by a path a reader can open (the other fields are the
   // log's own suite's).
   EXPECT_NE(r.out.find("\"file\":\"" + s.dir.File(greeter) + "\",\"line\":"), std::string::npos)
@@ -321,16 +315,6 @@ TEST_P(MSBuild, ParallelBuildGivesTheGroupsOfASerialOne) {
   EXPECT_EQ(two.ProjectGroups(), one.ProjectGroups());
   EXPECT_EQ(two.Metrics()["Compiler.Warnings"], "4");
   EXPECT_EQ(two.Metrics(), one.Metrics());
-}
-
-TEST_P(MSBuild, BuildsVisualStudio2005VisualBasicAndCSharpProjects) {
-  if (GetParam().name != "dotnet") GTEST_SKIP() << "Mono's Visual Basic compiler is not here";
-  auto r = Exec({"Solution=" + s.samples + "/vs2005/OrderDesk.sln",
-                 "SolutionConfiguration=Debug|Mixed Platforms", "VStudioVersion=vs2005",
-                 "BuildType=btSelectedProjects", "SelectedProjects=OrderTool"});
-  ASSERT_EQ(r.exitCode, 0) << r.out << r.err;
-  EXPECT_TRUE(fs::exists(s.samples + "/vs2005/Orders.Core/bin/Debug/Orders.Core.dll"));
-  EXPECT_TRUE(fs::exists(s.samples + "/vs2005/OrderTool/bin/Debug/OrderTool.exe"));
 }
 
 INSTANTIATE_TEST_SUITE_P(Engines, MSBuild, ::testing::Values(kXBuild, kDotNet),
