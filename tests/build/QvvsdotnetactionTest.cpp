@@ -111,7 +111,6 @@ TEST_F(BuildAction, AutoIncrementSwitchesRegisterDynamicProperties) {
     ctx->DynamicPropertyCalls.clear();
     a->SetPropValue(setting.substr(0, eq), setting.substr(eq + 1));
     EXPECT_EQ(ctx->DynamicPropertyCalls, calls) << setting;
-    EXPECT_EQ(a->GetPropValue(setting.substr(0, eq)), setting.substr(eq + 1));
   }
 }
 

@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
+#include "QvSysUtils.h"
 #include "support/ErrorOf.h"
 #include "support/RecordingActionContext.h"
 #include "support/TempDir.h"
@@ -83,25 +86,18 @@ TEST_F(Iterator, FailuresStopTheLoopBeforeItStarts) {
   }
   EXPECT_EQ(it.GetIterationCount(), 0);
   // The global dependency section of a 2003 solution counts, and a cycle is thrown out of
-  // the action.
-  dir.Write("A.csproj", "");
-  dir.Write("B.csproj", "");
-  it.SetPropValue(
-      "Solution",
-      dir.Write("mutual.sln",
-                "\r\nMicrosoft Visual Studio Solution File, Format Version 8.00\r\n"
-                "Project(\"{FAE04EC0-301F-11D3-BF4B-00C04F79EFBC}\") = \"A\", \"A.csproj\", "
-                "\"{11111111-1111-1111-1111-111111111111}\"\r\n"
-                "EndProject\r\n"
-                "Project(\"{FAE04EC0-301F-11D3-BF4B-00C04F79EFBC}\") = \"B\", \"B.csproj\", "
-                "\"{22222222-2222-2222-2222-222222222222}\"\r\n"
-                "EndProject\r\nGlobal\r\n\tGlobalSection(ProjectDependencies) = postSolution\r\n"
-                "\t\t{11111111-1111-1111-1111-111111111111}.0 = "
-                "{22222222-2222-2222-2222-222222222222}\r\n"
-                "\t\t{22222222-2222-2222-2222-222222222222}.0 = "
-                "{11111111-1111-1111-1111-111111111111}\r\n\tEndGlobalSection\r\nEndGlobal\r\n"));
+  // the action: the 2003 sample's BillingBridge needs NativeCalc, which here needs it back.
+  std::filesystem::copy(QV_EXAMPLES_DIR "/vs2003", dir.Path(),
+                        std::filesystem::copy_options::recursive);
+  const std::string bridge = "{01578B61-B130-42DE-990A-AB204BBBE75F}";
+  const std::string calc = "{A9861198-0140-42EB-8BD2-DA2CC313DFCA}";
+  const std::string needs = "\t\t" + bridge + ".0 = " + calc + "\r\n";
+  std::string sln = dir.File("Billing.sln");
+  dir.Write("Billing.sln", StringReplaceAll(TempDir::Read(sln), needs,
+                                            needs + "\t\t" + calc + ".0 = " + bridge + "\r\n"));
+  it.SetPropValue("Solution", sln);
   EXPECT_EQ(qvtest::ErrorOf([&] { it.BeforeFirstIteration(); }),
-            "Solution has invalid circular dependancies between : B and A");
+            "Solution has invalid circular dependancies between : NativeCalc and BillingBridge");
 }
 
 }  // namespace

@@ -30,11 +30,9 @@ TEST(TQvPackageModule, CallsTheEntryPointsInOrder) {
   platform::UnloadModule(handle);
 }
 
-TEST(TQvPackageModule, ReportsAMissingFileOrEntryPointClearly) {
-  EXPECT_TRUE(ErrorOf([] {
-                TQvPackageModule::Load("/nonexistent/QvNothing.so");
-              }).starts_with("Cannot load package /nonexistent/QvNothing.so : "));
-  // A shared library that is not a package lacks the entry points.
+// A shared library that is not a package lacks the entry points. (A missing file is the host's
+// package loader suite's.)
+TEST(TQvPackageModule, ReportsAMissingEntryPointClearly) {
   EXPECT_EQ(ErrorOf([] { TQvPackageModule::Load(QV_NOT_A_PACKAGE); }),
             std::string("Package ") + QV_NOT_A_PACKAGE + " does not export Initialize");
 }
