@@ -121,20 +121,4 @@ TEST_F(Options, ScriptsAndTheAccessorReachTheRegisteredObject) {
   EXPECT_EQ(obj->GetPropValue("DefaultVSVersion"), "vs2008");
 }
 
-TEST(NormalizeDevEnvEdits, CutsExecutableNamesWithThe2008Asymmetry) {
-  struct Case {
-    TDevEnvEdits in, out;
-  } cases[] = {
-      {{"C:\\VS7\\devenv.exe", "C:\\VS71\\DEVENV.COM", "C:\\VS8\\", "C:\\VS9\\devenv.exe"},
-       {"C:\\VS7\\", "C:\\VS71\\", "C:\\VS8\\", "C:\\VS9\\devenv.exe"}},
-      {{"", "", "C:\\VS8\\", "D:\\VS9\\Common7\\IDE\\devenv.com"},
-       {"", "", "D:\\VS9\\Common7\\IDE\\", "D:\\VS9\\Common7\\IDE\\devenv.com"}},
-      {{"/opt/vs/devenv.com", "", "", ""}, {"/opt/vs/", "", "", ""}},
-  };
-  for (auto c : cases) {
-    NormalizeDevEnvEdits(c.in);
-    EXPECT_EQ(c.in, c.out);
-  }
-}
-
 }  // namespace

