@@ -123,11 +123,8 @@ size_t FindFrom(std::string_view text, char c, size_t from) {
 
 }  // namespace
 
-namespace {
-// The text of file bytes as UTF-8 (BOM detected): a view into `bytes`, or into `decoded` for
-// UTF-16.
-std::string_view DecodedText(std::string_view bytes, TTextFormat& format, std::string& decoded,
-                             const std::string& fileName) {
+std::string_view DecodeText(std::string_view bytes, TTextFormat& format, std::string& decoded,
+                            const std::string& fileName) {
   format = TTextFormat{};
   if (bytes.starts_with(kBomUtf8)) {
     format.Encoding = TTextEncoding::UTF8;
@@ -143,6 +140,8 @@ std::string_view DecodedText(std::string_view bytes, TTextFormat& format, std::s
   }
   return bytes;
 }
+
+namespace {
 
 // Calls fn(line, break) for each line of `text`: a line ends at LF, CR LF or a lone CR; a last
 // line without a break comes with TLineBreak::None.
@@ -178,7 +177,7 @@ std::string ReadTextFileBytes(const std::string& fileName) {
 std::vector<TTextLine> DecodeTextFile(std::string_view bytes, TTextFormat& format,
                                       const std::string& fileName) {
   std::string decoded;
-  std::string_view text = DecodedText(bytes, format, decoded, fileName);
+  std::string_view text = DecodeText(bytes, format, decoded, fileName);
   std::vector<TTextLine> lines;
   std::array<size_t, 4> breakCounts{};  // indexed by TLineBreak
   ForEachTextLine(text, [&](std::string_view line, TLineBreak br) {
@@ -197,7 +196,7 @@ std::vector<TTextLine> DecodeTextFile(std::string_view bytes, TTextFormat& forma
 
 TTextFileLines::TTextFileLines(const std::string& fileName) : FBytes(ReadTextFileBytes(fileName)) {
   TTextFormat format;
-  ForEachTextLine(DecodedText(FBytes, format, FDecoded, fileName),
+  ForEachTextLine(DecodeText(FBytes, format, FDecoded, fileName),
                   [&](std::string_view line, TLineBreak) { FLines.push_back(line); });
 }
 

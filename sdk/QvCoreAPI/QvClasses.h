@@ -28,6 +28,10 @@ struct TTextLine {
   TLineBreak Break = TLineBreak::Default;
 };
 
+// The text of file bytes as UTF-8 (BOM detected): a view into `bytes`, or into `decoded` for
+// UTF-16. `fileName` names the file in errors. Throws Exception for UTF-16 text of odd length.
+std::string_view DecodeText(std::string_view bytes, TTextFormat& format, std::string& decoded,
+                            const std::string& fileName);
 // Decodes file bytes (BOM detected) into UTF-8 lines. `fileName` names the file in errors.
 // Throws Exception for UTF-16 text of odd length.
 std::vector<TTextLine> DecodeTextFile(std::string_view bytes, TTextFormat& format,

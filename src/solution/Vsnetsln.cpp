@@ -1,10 +1,9 @@
 #include "Vsnetsln.h"
 
 #include <atomic>
-#include <condition_variable>
-#include <deque>
 #include <exception>
-#include <mutex>
+#include <functional>
+#include <optional>
 #include <thread>
 #include <unordered_map>
 
@@ -30,6 +29,16 @@ void* TVSDotNetObject::GetInterface(const TGUID& iid) {
 }
 
 namespace {
+
+// What a Visual C++ project file says of the project's resource scripts.
+struct TProjectFileInfo {
+  TStringList ResourceFiles;
+  std::string VersionInfoFile;  // the first script that holds a version resource
+};
+
+bool IsVCProjectFile(std::string_view fileName) {
+  return LowerCase(ExtractFileExt(fileName)) == ".vcproj";
+}
 
 // Each model class answers its one interface and defers to the common base.
 #define QV_ANSWERS(Intf)                                         \
@@ -99,7 +108,7 @@ class TVSDotNetProject : public TVSDotNetObject, public IVSDotNetProject {
   std::string GetProjectGUID() override { return FProjectGUID; }
   std::string GetProjectTypeGUID() override { return FProjectTypeGUID; }
   IntfPtr<IVSDotNetProjectDependancies> GetDependencies() override { return FDependencies; }
-  bool IsVCProject() override { return LowerCase(ExtractFileExt(FFileName)) == ".vcproj"; }
+  bool IsVCProject() override { return IsVCProjectFile(FFileName); }
   TStringList* GetResourceFiles() override { return &FResourceFiles; }
   std::string GetVersionInfoFile() override { return FVersionInfoFile; }
   const TStringList& GetConfigurationList() override { return FConfigurations; }
@@ -123,9 +132,10 @@ class TVSDotNetProject : public TVSDotNetObject, public IVSDotNetProject {
     return i >= 0 && FConfigurations.Objects(i) != 0;
   }
 
-  // Reads the resource scripts of the project's Visual C++ project file (`path`, the existing
-  // file the project names) and finds the version script.
-  void ReadProjectFile(const std::string& path);
+  void SetProjectFileInfo(TProjectFileInfo info) {
+    FResourceFiles = std::move(info.ResourceFiles);
+    FVersionInfoFile = std::move(info.VersionInfoFile);
+  }
 
   QV_ANSWERS(IVSDotNetProject)
  private:
@@ -217,24 +227,25 @@ namespace {
 bool HasVersionInfo(std::string_view bytes, const std::string& script) {
   try {
     TTextFormat format;
-    for (const TTextLine& line : DecodeTextFile(bytes, format, script))
-      if (line.Text.find("VERSIONINFO") != std::string::npos) return true;
+    std::string decoded;
+    return DecodeText(bytes, format, decoded, script).find("VERSIONINFO") != std::string::npos;
   } catch (const std::exception&) {
+    return false;
   }
-  return false;
 }
-}  // namespace
 
-void TVSDotNetProject::ReadProjectFile(const std::string& path) {
+// Reads the resource scripts of a Visual C++ project file (`path`, the existing file a project
+// names) and finds the version script.
+TProjectFileInfo ReadProjectFileInfo(const std::string& path) {
   std::string text, error;
   if (!platform::ReadWholeFile(path, text, error))
     throw Exception("Error parsing project file : " + error + " (" + path + ")");
   std::string projectDir = ExtractFilePath(path);
-  FVersionInfoFile.clear();
+  TProjectFileInfo info;
   for (const std::string& rel : ReadVcprojResourceScripts(text, path)) {
     std::string script = ExpandRelativePath(rel, projectDir);
-    if (!FVersionInfoFile.empty()) {
-      FResourceFiles.Add(ResolvePathCase(script));
+    if (!info.VersionInfoFile.empty()) {
+      info.ResourceFiles.Add(ResolvePathCase(script));
       continue;
     }
     // Until the version script is found every script is read, the first that holds a
@@ -245,10 +256,12 @@ void TVSDotNetProject::ReadProjectFile(const std::string& path) {
       script = ResolvePathCase(script);
       read = platform::ReadWholeFile(script, bytes, error);
     }
-    FResourceFiles.Add(script);
-    if (read && HasVersionInfo(bytes, script)) FVersionInfoFile = script;
+    info.ResourceFiles.Add(script);
+    if (read && HasVersionInfo(bytes, script)) info.VersionInfoFile = script;
   }
+  return info;
 }
+}  // namespace
 
 void TVSDotNetProjects::SortByDependency() {
   std::unordered_map<std::string, std::vector<int>> byGuid;
@@ -271,88 +284,6 @@ void TVSDotNetProjects::SortByDependency() {
   FItems.swap(sorted);
 }
 
-// ---- project files, read beside the solution ---------------------------------------------------
-
-// Reads the Visual C++ project files of a solution on a second thread while the solution file
-// is still being read, because a large solution spends most of its time in them; the caller
-// reads what is left once it is done. Each project's file is read by one thread, which alone
-// touches that project's resource scripts. Errors are raised in solution order, as reading
-// the files one by one would raise them.
-class TProjectFileReads {
- public:
-  ~TProjectFileReads() { Stop(); }
-
-  void Add(TVSDotNetProject* project, std::string path) {
-    {
-      std::lock_guard<std::mutex> guard(FLock);
-      FItems.push_back({project, std::move(path), nullptr});
-    }
-    FChanged.notify_one();
-    if (!FStarted) {
-      FStarted = true;
-      if (std::thread::hardware_concurrency() > 1) FWorker = std::thread([this] { Work(false); });
-    }
-  }
-
-  // Reads what no thread has taken, waits for the second thread, and throws the first error.
-  void Finish() {
-    {
-      std::lock_guard<std::mutex> guard(FLock);
-      FClosed = true;
-    }
-    FChanged.notify_all();
-    Work(true);
-    if (FWorker.joinable()) FWorker.join();
-    for (const TItem& item : FItems)
-      if (item.Error) std::rethrow_exception(item.Error);
-  }
-
- private:
-  struct TItem {
-    TVSDotNetProject* Project;
-    std::string Path;
-    std::exception_ptr Error;
-  };
-
-  void Work(bool caller) {
-    for (;;) {
-      TItem* item;
-      {
-        std::unique_lock<std::mutex> guard(FLock);
-        FChanged.wait(guard, [&] { return FNext < FItems.size() || FClosed || caller; });
-        if (FNext == FItems.size()) return;
-        item = &FItems[FNext++];  // a deque keeps its elements in place as it grows
-      }
-      try {
-        item->Project->ReadProjectFile(item->Path);
-      } catch (...) {
-        item->Error = std::current_exception();
-      }
-    }
-  }
-
-  // Only for a reader that leaves without Finish: the second thread takes nothing more and is
-  // waited for, since a running thread must not be destroyed.
-  void Stop() {
-    if (!FWorker.joinable()) return;
-    {
-      std::lock_guard<std::mutex> guard(FLock);
-      FClosed = true;
-      FNext = FItems.size();
-    }
-    FChanged.notify_all();
-    FWorker.join();
-  }
-
-  std::mutex FLock;
-  std::condition_variable FChanged;
-  std::deque<TItem> FItems;
-  size_t FNext = 0;
-  bool FClosed = false;
-  bool FStarted = false;
-  std::thread FWorker;
-};
-
 // ---- project lines, looked up ahead -------------------------------------------------------------
 
 // The fixed shapes of a solution file's lines.
@@ -361,10 +292,14 @@ constexpr size_t kHeaderNumberAt =
 constexpr size_t kProjectPrefix = 9;  // "Project(\""
 constexpr size_t kGuidLength = 38;    // "{XXXXXXXX-XXXX-XXXX-XXXX-XXXXXXXXXXXX}"
 
-// A project line's fields and the existing file it names ("" when there is none).
+// A project line's fields, the existing file it names ("" when there is none) and, for a Visual
+// C++ project, what its file says or the error reading it.
 struct TProjectLookup {
   int Line = -1;
   std::string TypeGuid, Name, Path, Guid, Existing;
+  bool LookedUp = false;
+  TProjectFileInfo Info;
+  std::exception_ptr Error;
 };
 
 // Reads the fields of a project line, `Project("{TYPE}") = "NAME", "PATH", "{GUID}"`; false
@@ -388,13 +323,44 @@ void LookUpProjectFile(TProjectLookup& project, const std::string& solutionDir) 
   project.Existing = ResolveExistingFile(ExpandRelativePath(project.Path, solutionDir));
 }
 
-// Looks up the files of a solution's project lines before the lines are read, on two threads:
-// for a large solution, the file system's answers are most of the reading. Only what each line
-// says is worked out ahead, so a line read otherwise (say, as a dependency) changes nothing;
-// a line that could not be looked up is looked up when it is read.
+// Runs job(i) for each i in [0, count) on a second thread, from the first on, while the caller
+// goes on; Finish has the caller take what is left and waits for the end. Jobs do not throw.
+class TSideLoop {
+ public:
+  TSideLoop(size_t count, std::function<void(size_t)> job) : FCount(count), FJob(std::move(job)) {
+    constexpr size_t kWorthAThread = 64;
+    if (count >= kWorthAThread && std::thread::hardware_concurrency() > 1)
+      FThread = std::thread([this] { Run(); });
+  }
+  ~TSideLoop() { Finish(); }
+
+  void Finish() {
+    Run();
+    if (FThread.joinable()) FThread.join();
+  }
+
+ private:
+  void Run() {
+    for (size_t i; (i = FNext++) < FCount;)
+      FJob(i);
+  }
+
+  size_t FCount;
+  std::function<void(size_t)> FJob;
+  std::atomic<size_t> FNext{0};
+  std::thread FThread;
+};
+
+// Works out the project lines of a solution before the lines are read, on two threads: for a
+// large solution, the files the lines name are most of the reading. The project files are
+// looked up first (whether a project is kept depends on it); the Visual C++ project files are
+// then read while the solution's lines are. What a line says is worked out whatever the line
+// turns out to be, but only taken where it is read as a project line: a line read otherwise
+// (say, as a dependency) changes nothing, and only the errors of kept projects are raised. A line
+// that could not be looked up ahead is looked up when it is read.
 class TProjectLookups {
  public:
-  // Looks up the project lines from `from` up to the "Global" line.
+  // Works out the project lines from `from` up to the "Global" line.
   void Run(const TTextFileLines& lines, int from, const std::string& solutionDir) {
     for (int i = from; i < lines.Count() && lines[i] != "Global"; ++i) {
       std::string_view line = TrimmedView(lines[i]);
@@ -403,37 +369,44 @@ class TProjectLookups {
       if (line.starts_with("Project(\"") && ParseProjectLine(line, project))
         FProjects.push_back(std::move(project));
     }
-    std::vector<char> done(FProjects.size(), 0);
-    std::atomic<size_t> next{0};
-    auto work = [&] {
-      for (size_t i; (i = next++) < FProjects.size();) {
-        try {
-          LookUpProjectFile(FProjects[i], solutionDir);
-          done[i] = 1;
-        } catch (...) {  // looked up again, and reported, when the line is read
-        }
+    TSideLoop(FProjects.size(), [&](size_t i) {
+      try {
+        LookUpProjectFile(FProjects[i], solutionDir);
+        FProjects[i].LookedUp = true;
+      } catch (...) {  // looked up again, and reported, when the line is read
       }
-    };
-    constexpr size_t kWorthAThread = 64;
-    std::thread helper;
-    if (FProjects.size() >= kWorthAThread && std::thread::hardware_concurrency() > 1)
-      helper = std::thread(work);
-    work();
-    if (helper.joinable()) helper.join();
+    }).Finish();
     for (size_t i = 0; i < FProjects.size(); ++i)
-      if (!done[i]) FProjects[i].Line = -1;
+      if (FProjects[i].LookedUp && !FProjects[i].Existing.empty() &&
+          IsVCProjectFile(FProjects[i].Path))
+        FToRead.push_back(&FProjects[i]);
+    FReads.emplace(FToRead.size(), [this](size_t i) {
+      try {
+        FToRead[i]->Info = ReadProjectFileInfo(FToRead[i]->Existing);
+      } catch (...) {
+        FToRead[i]->Error = std::current_exception();
+      }
+    });
   }
 
   // The lookup of the line at `index`, or null; lines are asked for in ascending order.
   TProjectLookup* Take(int index) {
     while (FNext < FProjects.size() && FProjects[FNext].Line < index)
       ++FNext;
-    return FNext < FProjects.size() && FProjects[FNext].Line == index ? &FProjects[FNext] : nullptr;
+    if (FNext == FProjects.size() || FProjects[FNext].Line != index) return nullptr;
+    return FProjects[FNext].LookedUp ? &FProjects[FNext] : nullptr;
+  }
+
+  // Waits until the project files are read.
+  void FinishReads() {
+    if (FReads) FReads->Finish();
   }
 
  private:
   std::vector<TProjectLookup> FProjects;
+  std::vector<TProjectLookup*> FToRead;
   size_t FNext = 0;
+  std::optional<TSideLoop> FReads;  // last: ends before what it reads into
 };
 
 // ---- the solution file ----------------------------------------------------------------------
@@ -458,6 +431,9 @@ class TSolutionReader {
   void ReadSolutionConfigurations();
   void ReadConfigurationMappings();
   void ReadGlobalDependencies();
+  // Waits for the project files read ahead and gives the kept projects what they say; throws the
+  // first error among them.
+  void FinishReads();
   // The line at FIndex, trimmed; past the end the line list's index error.
   std::string_view TrimmedLine() const { return TrimmedView(FLines[FIndex]); }
   // The value of the first line in the file whose name part (before "=") is `name`, compared
@@ -471,7 +447,8 @@ class TSolutionReader {
   TProjectLookups FLookups;
   IntfPtr<TVSDotNetSolution> FSolution;
   TVSDotNetProject* FCurrent = nullptr;
-  TProjectFileReads FReads;
+  // The kept Visual C++ projects whose files were read ahead, in file order.
+  std::vector<std::pair<TVSDotNetProject*, TProjectLookup*>> FReadAhead;
 };
 
 IntfPtr<IVSDotNetSolution> TSolutionReader::Read() {
@@ -489,11 +466,19 @@ IntfPtr<IVSDotNetSolution> TSolutionReader::Read() {
     FSolution->Projects().SortByDependency();
     if (FLines[FIndex] == "Global") ReadGlobal();
   } catch (...) {
-    FReads.Finish();
+    FinishReads();
     throw;
   }
-  FReads.Finish();
+  FinishReads();
   return IntfPtr<IVSDotNetSolution>(FSolution.Get());
+}
+
+void TSolutionReader::FinishReads() {
+  FLookups.FinishReads();
+  for (auto& [project, lookup] : FReadAhead) {
+    if (lookup->Error) std::rethrow_exception(lookup->Error);
+    project->SetProjectFileInfo(std::move(lookup->Info));
+  }
 }
 
 TVSDotNetVersion TSolutionReader::ReadHeader() {
@@ -543,8 +528,12 @@ void TSolutionReader::ReadProjectLine(std::string_view line) {
       new TVSDotNetProject(std::move(found->Name), std::move(found->Path),
                            std::move(found->TypeGuid), std::move(found->Guid), FFileName);
   IntfPtr<IVSDotNetProject> ref(project);
-  if (!found->Existing.empty() && project->IsVCProject())
-    FReads.Add(project, std::move(found->Existing));
+  if (!found->Existing.empty() && project->IsVCProject()) {
+    if (found == &own)
+      project->SetProjectFileInfo(ReadProjectFileInfo(own.Existing));
+    else
+      FReadAhead.emplace_back(project, found);
+  }
   FSolution->Projects().Add(ref);
   FCurrent = project;
 }
