@@ -65,16 +65,9 @@ struct Session {
   // A file of the samples' copy.
   std::string Sample(const std::string& name) const { return Native(samples + "/" + name); }
 
-  // qvhost with this session's options and package, logging JSON lines; Run gives it this
-  // session's environment (through env on POSIX, to the process directly on Windows).
+  // qvhost with this session's options and package, logging JSON lines.
   std::string Qvhost(const std::string& framework) const {
-    std::string env;
-#ifndef _WIN32
-    env = "env QV_STANDIN_DIR=" + ShellQuote(standinDir) +
-          " XDG_CONFIG_HOME=" + ShellQuote(dir.Path()) +
-          " QV_KEY_FILE=" + ShellQuote(dir.File("key")) + " ";
-#endif
-    return env + Native(QV_QVHOST) + " --no-default-packages --package " +
+    return Native(QV_QVHOST) + " --no-default-packages --package " +
            ShellQuote(Native(QV_PACKAGE_MODULE)) + " --options " +
            ShellQuote(dir.File("options.xml")) +
            " --log-format jsonl --framework v3.5=" + ShellQuote(framework) +
@@ -89,12 +82,11 @@ struct Session {
     return cmd;
   }
 
+  // `command` run with this session's stand-in folder and user configuration folder.
   qvtest::CommandResult Run(const std::string& command) const {
-#ifdef _WIN32
-    return RunCommand(command, "", {"QV_STANDIN_DIR=" + standinDir, "APPDATA=" + dir.Path()});
-#else
-    return RunCommand(command);
-#endif
+    return RunCommand(
+        command, "",
+        {"QV_STANDIN_DIR=" + standinDir, "XDG_CONFIG_HOME=" + dir.Path(), "APPDATA=" + dir.Path()});
   }
 };
 
@@ -156,12 +148,12 @@ TEST(DevEnv, TerminationStopsTheCompiler) {
   s.dir.Write("standin/run1.wait", "");
   std::string started = s.standinDir + "/run1.started";  // written once the child runs
   std::string sln = s.Sample("vs2008/Mixed.sln");
-  auto r = RunCommand(
-      "((" +
-      s.Command(kBin + "/mono",
-                {"Solution=" + sln, "SolutionConfiguration=Release|Win32", "UseMSBuild=False"}) +
-      ") & pid=$!; for i in $(seq 400); do [ -s " + ShellQuote(started) +
-      " ] && break; sleep 0.05; done; kill -INT $pid; wait $pid)");
+  auto r =
+      s.Run("((" +
+            s.Command(kBin + "/mono", {"Solution=" + sln, "SolutionConfiguration=Release|Win32",
+                                       "UseMSBuild=False"}) +
+            ") & pid=$!; for i in $(seq 400); do [ -s " + ShellQuote(started) +
+            " ] && break; sleep 0.05; done; kill -INT $pid; wait $pid)");
   EXPECT_EQ(r.exitCode, 130) << r.out;
   EXPECT_THAT(Log(r.out).Messages(), Contains("[3] Action Terminated by User."));
   EXPECT_TRUE(qvtest::ProcessEnds(std::stoi(TempDir::Read(started))));
@@ -236,10 +228,10 @@ TEST_P(MSBuild, TheDemoBuildProcessRuns) {
   std::string original = TempDir::Read(QV_EXAMPLES_DIR "/demo/Greeting.qvproj");
   std::string project = s.dir.Write("Greeting.qvproj", original);
   std::string args = ShellQuote(project) + " --var DEMO=" + ShellQuote(s.samples);
-  auto r = RunCommand(s.Qvhost(GetParam().launcher) + " check " + args);
+  auto r = s.Run(s.Qvhost(GetParam().launcher) + " check " + args);
   EXPECT_EQ(r.exitCode, 0);
   EXPECT_EQ(r.out, "Checked 6 actions: 0 problems, 0 warnings\n") << r.err;
-  r = RunCommand(s.Qvhost(GetParam().launcher) + " run " + args);
+  r = s.Run(s.Qvhost(GetParam().launcher) + " run " + args);
   ASSERT_EQ(r.exitCode, 0) << r.out << r.err;
   std::string counted = "<Property name=\"AutoIncAssemblyBuildNumber\">True</Property>\n";
   EXPECT_EQ(TempDir::Read(project),
