@@ -14,7 +14,9 @@
 #include "QvExceptions.h"
 #include "QvWin32.h"
 #include "support/ErrorOf.h"
+#include "support/RunCommand.h"
 #include "support/TempDir.h"
+#include "tools/standin/RecordCall.h"
 
 using qvtest::TempDir;
 
@@ -42,15 +44,17 @@ struct StandIn : testing::Test {
     process->SetOutputHandler(&output);
     process->SetTerminateEvent(&terminate);
   }
+  // Whether the stand-in's first call got under way within 20 seconds.
+  bool Started() {
+    for (int i = 0; i < 400 && !std::filesystem::exists(dir.File("run1.started")); ++i)
+      std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    return std::filesystem::exists(dir.File("run1.started"));
+  }
+  // Whether the process whose id is in `file` has ended.
+  bool Ended(const char* file) {
+    return qvtest::ProcessEnds(std::stoi(TempDir::Read(dir.File(file))));
+  }
 };
-
-bool Running(DWORD pid) {
-  HANDLE h = OpenProcess(SYNCHRONIZE, FALSE, pid);
-  if (!h) return false;
-  bool running = WaitForSingleObject(h, 3000) == WAIT_TIMEOUT;
-  CloseHandle(h);
-  return running;
-}
 
 TEST_F(StandIn, ReplaysOutputWholeWithItsArgumentsAndExitCode) {
   dir.Write("run1.out", "Build started\r\nBuild: 1 succeeded, 0 failed\r\nlast");
@@ -66,39 +70,28 @@ TEST_F(StandIn, ReplaysOutputWholeWithItsArgumentsAndExitCode) {
   EXPECT_EQ(output.Err, std::vector<std::string>{"warning\n"});
   // The C runtime's splitting gives the three arguments; the stand-in ran in its folder (its
   // record doubles backslashes).
-  std::string folder = dir.Path();
-  for (size_t i = folder.find('\\'); i != std::string::npos; i = folder.find('\\', i + 2))
-    folder.insert(i, 1, '\\');
   EXPECT_EQ(TempDir::Read(dir.File("calls.txt")),
-            folder + "\t/build\tRelease|Any CPU\tC:\\\\My Src\\\\App.sln\n");
+            standin::Escape(dir.Path()) + "\t/build\tRelease|Any CPU\tC:\\\\My Src\\\\App.sln\n");
 }
 
 TEST_F(StandIn, TerminateEndsTheChildAndWhatItStarted) {
   dir.Write("run1.wait", "child");
   std::thread stopper([&] {
-    for (int i = 0; i < 300 && !std::filesystem::exists(dir.File("run1.started")); ++i)
-      std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    Started();
     terminate.Signal();
   });
   auto start = std::chrono::steady_clock::now();
   EXPECT_EQ(process->Run(), qv::kTerminatedExitCode);
   stopper.join();
   EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20));
-  DWORD standIn = std::stoul(TempDir::Read(dir.File("run1.started")));
-  DWORD child = std::stoul(TempDir::Read(dir.File("run1.child")));
-  EXPECT_FALSE(Running(standIn));
-  EXPECT_FALSE(Running(child)) << "the stand-in's own child is left";
+  EXPECT_TRUE(Ended("run1.started"));
+  EXPECT_TRUE(Ended("run1.child")) << "the stand-in's own child is left";
 }
 
 TEST_F(StandIn, AProgramThatDoesNotExistIsNamed) {
   process->SetExecutable(dir.File("missing.exe"));
-  try {
-    process->Run();
-    ADD_FAILURE() << "ran a missing program";
-  } catch (const std::exception& e) {
-    EXPECT_EQ(std::string(e.what()),
-              "Cannot run \"" + dir.File("missing.exe") + "\" : No such file or directory");
-  }
+  EXPECT_EQ(qvtest::ErrorOf([&] { process->Run(); }),
+            "Cannot run \"" + dir.File("missing.exe") + "\" : No such file or directory");
 }
 
 TEST_F(StandIn, AKilledQvhostLeavesNoBuildProcessBehind) {
@@ -119,15 +112,13 @@ TEST_F(StandIn, AKilledQvhostLeavesNoBuildProcessBehind) {
   PROCESS_INFORMATION pi{};
   ASSERT_TRUE(CreateProcessW(nullptr, cmd.data(), nullptr, nullptr, FALSE, CREATE_NO_WINDOW,
                              nullptr, nullptr, &si, &pi));
-  for (int i = 0; i < 400 && !std::filesystem::exists(dir.File("run1.started")); ++i)
-    std::this_thread::sleep_for(std::chrono::milliseconds(50));
-  ASSERT_TRUE(std::filesystem::exists(dir.File("run1.started"))) << "the build never started";
+  ASSERT_TRUE(Started()) << "the build never started";
   TerminateProcess(pi.hProcess, 1);
   WaitForSingleObject(pi.hProcess, 10000);
   CloseHandle(pi.hProcess);
   CloseHandle(pi.hThread);
-  EXPECT_FALSE(Running(std::stoul(TempDir::Read(dir.File("run1.started")))));
-  EXPECT_FALSE(Running(std::stoul(TempDir::Read(dir.File("run1.child")))));
+  EXPECT_TRUE(Ended("run1.started"));
+  EXPECT_TRUE(Ended("run1.child"));
 }
 
 // COM monikers bind for real: Windows Management Instrumentation answers everywhere (Wine
