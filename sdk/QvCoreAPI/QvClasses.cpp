@@ -196,8 +196,9 @@ std::vector<TTextLine> DecodeTextFile(std::string_view bytes, TTextFormat& forma
 
 TTextFileLines::TTextFileLines(const std::string& fileName) : FBytes(ReadTextFileBytes(fileName)) {
   TTextFormat format;
-  ForEachTextLine(DecodeText(FBytes, format, FDecoded, fileName),
-                  [&](std::string_view line, TLineBreak) { FLines.push_back(line); });
+  std::string_view text = DecodeText(FBytes, format, FDecoded, fileName);
+  FLines.reserve(std::count(text.begin(), text.end(), '\n') + 1);  // CR-only text grows it
+  ForEachTextLine(text, [&](std::string_view line, TLineBreak) { FLines.push_back(line); });
 }
 
 std::string_view TTextFileLines::operator[](int index) const {

@@ -94,18 +94,17 @@ class TVSDotNetProjectDependancies : public TVSDotNetObject, public IVSDotNetPro
 
 class TVSDotNetProject : public TVSDotNetObject, public IVSDotNetProject {
  public:
-  TVSDotNetProject(std::string name, std::string fileName, std::string typeGuid, std::string guid,
-                   std::string solutionFileName)
+  TVSDotNetProject(std::string name, std::string fileName, std::string typeGuid, std::string guid)
       : FName(std::move(name)),
         FFileName(std::move(fileName)),
         FProjectTypeGUID(std::move(typeGuid)),
         FProjectGUID(std::move(guid)),
-        FDependencies(MakeIntf<IVSDotNetProjectDependancies, TVSDotNetProjectDependancies>()),
-        FSolutionFileName(std::move(solutionFileName)) {}
+        FDependencies(MakeIntf<IVSDotNetProjectDependancies, TVSDotNetProjectDependancies>()) {}
 
   std::string GetName() override { return FName; }
   std::string GetFileName() override { return FFileName; }
   std::string GetProjectGUID() override { return FProjectGUID; }
+  const std::string& GUID() const { return FProjectGUID; }
   std::string GetProjectTypeGUID() override { return FProjectTypeGUID; }
   IntfPtr<IVSDotNetProjectDependancies> GetDependencies() override { return FDependencies; }
   bool IsVCProject() override { return IsVCProjectFile(FFileName); }
@@ -142,7 +141,6 @@ class TVSDotNetProject : public TVSDotNetObject, public IVSDotNetProject {
   std::string FName, FFileName, FProjectTypeGUID, FProjectGUID;
   IntfPtr<IVSDotNetProjectDependancies> FDependencies;
   TStringList FResourceFiles;
-  std::string FSolutionFileName;
   std::string FVersionInfoFile;
   TStringList FConfigurations;  // solution configuration=project configuration, flag in Objects
 };
@@ -160,9 +158,9 @@ class TVSDotNetProjects : public TVSDotNetObject, public IVSDotNetProjects {
   }
 
   IntfPtr<IVSDotNetProject> FindByGUID(std::string_view guid) {
-    auto it = FByGUID.find(guid);
-    if (it == FByGUID.end()) return nullptr;
-    if (it->second.size() == 1) return it->second.front();
+    auto [first, last] = FByGUID.equal_range(guid);
+    if (first == last) return nullptr;
+    if (std::next(first) == last) return first->second;
     for (const auto& p : FItems)  // several share it: the first in current order wins
       if (p->GetProjectGUID() == guid) return p;
     return nullptr;
@@ -176,21 +174,17 @@ class TVSDotNetProjects : public TVSDotNetObject, public IVSDotNetProjects {
 
   void SortByDependency() override;
 
-  void Add(IntfPtr<IVSDotNetProject> project) {
-    FByGUID[project->GetProjectGUID()].push_back(project.Get());
-    FItems.push_back(std::move(project));
+  void Add(TVSDotNetProject* project) {
+    FByGUID.emplace(project->GUID(), project);
+    FItems.emplace_back(project);
   }
 
   QV_ANSWERS(IVSDotNetProjects)
  private:
   std::vector<IntfPtr<IVSDotNetProject>> FItems;
-  // The projects carrying each identifier, so that the reader's lookups (one per
-  // configuration line) do not scan the list.
-  struct THash {
-    using is_transparent = void;
-    size_t operator()(std::string_view s) const { return std::hash<std::string_view>()(s); }
-  };
-  std::unordered_map<std::string, std::vector<IVSDotNetProject*>, THash, std::equal_to<>> FByGUID;
+  // The projects carrying each identifier (a view of the project's own), so that the reader's
+  // lookups (one per configuration line) do not scan the list.
+  std::unordered_multimap<std::string_view, IVSDotNetProject*> FByGUID;
 };
 
 class TVSDotNetSolution : public TVSDotNetObject, public IVSDotNetSolution {
@@ -292,12 +286,17 @@ constexpr size_t kHeaderNumberAt =
 constexpr size_t kProjectPrefix = 9;  // "Project(\""
 constexpr size_t kGuidLength = 38;    // "{XXXXXXXX-XXXX-XXXX-XXXX-XXXXXXXXXXXX}"
 
-// A project line's fields, the existing file it names ("" when there is none) and, for a Visual
-// C++ project, what its file says or the error reading it.
+// A project line's fields and the existing file it names ("" when there is none).
 struct TProjectLookup {
   int Line = -1;
   std::string TypeGuid, Name, Path, Guid, Existing;
   bool LookedUp = false;
+  int Read = -1;  // the reading of its Visual C++ project file, when read ahead
+};
+
+// A Visual C++ project file read ahead: what it says, or the error reading it.
+struct TProjectFileRead {
+  const std::string* Path;
   TProjectFileInfo Info;
   std::exception_ptr Error;
 };
@@ -376,15 +375,17 @@ class TProjectLookups {
       } catch (...) {  // looked up again, and reported, when the line is read
       }
     }).Finish();
-    for (size_t i = 0; i < FProjects.size(); ++i)
-      if (FProjects[i].LookedUp && !FProjects[i].Existing.empty() &&
-          IsVCProjectFile(FProjects[i].Path))
-        FToRead.push_back(&FProjects[i]);
-    FReads.emplace(FToRead.size(), [this](size_t i) {
+    for (TProjectLookup& p : FProjects) {
+      if (p.LookedUp && !p.Existing.empty() && IsVCProjectFile(p.Path)) {
+        p.Read = static_cast<int>(FFileReads.size());
+        FFileReads.push_back({&p.Existing, {}, nullptr});
+      }
+    }
+    FReads.emplace(FFileReads.size(), [this](size_t i) {
       try {
-        FToRead[i]->Info = ReadProjectFileInfo(FToRead[i]->Existing);
+        FFileReads[i].Info = ReadProjectFileInfo(*FFileReads[i].Path);
       } catch (...) {
-        FToRead[i]->Error = std::current_exception();
+        FFileReads[i].Error = std::current_exception();
       }
     });
   }
@@ -397,6 +398,11 @@ class TProjectLookups {
     return FProjects[FNext].LookedUp ? &FProjects[FNext] : nullptr;
   }
 
+  // The reading of a lookup's project file, or null when it was not read ahead.
+  TProjectFileRead* ReadOf(const TProjectLookup& lookup) {
+    return lookup.Read < 0 ? nullptr : &FFileReads[static_cast<size_t>(lookup.Read)];
+  }
+
   // Waits until the project files are read.
   void FinishReads() {
     if (FReads) FReads->Finish();
@@ -404,7 +410,7 @@ class TProjectLookups {
 
  private:
   std::vector<TProjectLookup> FProjects;
-  std::vector<TProjectLookup*> FToRead;
+  std::vector<TProjectFileRead> FFileReads;
   size_t FNext = 0;
   std::optional<TSideLoop> FReads;  // last: ends before what it reads into
 };
@@ -448,7 +454,7 @@ class TSolutionReader {
   IntfPtr<TVSDotNetSolution> FSolution;
   TVSDotNetProject* FCurrent = nullptr;
   // The kept Visual C++ projects whose files were read ahead, in file order.
-  std::vector<std::pair<TVSDotNetProject*, TProjectLookup*>> FReadAhead;
+  std::vector<std::pair<TVSDotNetProject*, TProjectFileRead*>> FReadAhead;
 };
 
 IntfPtr<IVSDotNetSolution> TSolutionReader::Read() {
@@ -475,9 +481,9 @@ IntfPtr<IVSDotNetSolution> TSolutionReader::Read() {
 
 void TSolutionReader::FinishReads() {
   FLookups.FinishReads();
-  for (auto& [project, lookup] : FReadAhead) {
-    if (lookup->Error) std::rethrow_exception(lookup->Error);
-    project->SetProjectFileInfo(std::move(lookup->Info));
+  for (auto& [project, read] : FReadAhead) {
+    if (read->Error) std::rethrow_exception(read->Error);
+    project->SetProjectFileInfo(std::move(read->Info));
   }
 }
 
@@ -524,17 +530,16 @@ void TSolutionReader::ReadProjectLine(std::string_view line) {
   bool web = ContainsStr(found->Path, "http://") || ContainsStr(found->Path, "https://");
   if (!web && !FIncludeMissing && found->Existing.empty())
     return;  // skipped: the current project stays what it was
-  auto* project =
-      new TVSDotNetProject(std::move(found->Name), std::move(found->Path),
-                           std::move(found->TypeGuid), std::move(found->Guid), FFileName);
+  auto* project = new TVSDotNetProject(std::move(found->Name), std::move(found->Path),
+                                       std::move(found->TypeGuid), std::move(found->Guid));
   IntfPtr<IVSDotNetProject> ref(project);
   if (!found->Existing.empty() && project->IsVCProject()) {
-    if (found == &own)
-      project->SetProjectFileInfo(ReadProjectFileInfo(own.Existing));
+    if (TProjectFileRead* read = FLookups.ReadOf(*found))
+      FReadAhead.emplace_back(project, read);
     else
-      FReadAhead.emplace_back(project, found);
+      project->SetProjectFileInfo(ReadProjectFileInfo(found->Existing));
   }
-  FSolution->Projects().Add(ref);
+  FSolution->Projects().Add(project);
   FCurrent = project;
 }
 
