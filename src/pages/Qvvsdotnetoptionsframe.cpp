@@ -12,13 +12,6 @@ constexpr const char* kLocations[][3] = {
     {"edtDevEnv2005", "Visual Studio 2005:", "DevEnv2005Location"},
     {"edtDevEnv2008", "Visual Studio 2008:", "DevEnv2008Location"},
     {"edtMSTestDir", "Standalone MSTest:", "StandaloneMSTestDir"}};
-
-// The folder part of `text` (up to and including the last separator) when it names `file`.
-void StripFile(std::string& text, const char* file, std::string& into) {
-  if (LowerCase(text).find(file) == std::string::npos) return;
-  size_t slash = text.find_last_of("\\/");
-  into = slash == std::string::npos ? std::string() : text.substr(0, slash + 1);
-}
 }  // namespace
 
 TVSDotNetOptionsFrame::TVSDotNetOptionsFrame() {
@@ -53,14 +46,13 @@ void TVSDotNetOptionsFrame::ReadOptions(TQvOptionsObject* options) {
   if (versions.ItemIndex >= static_cast<int>(versions.Items.size())) versions.ItemIndex = -1;
 }
 
-// A devenv.exe or devenv.com typed in full is cut to its folder; a devenv.com in the 2008 edit
-// lands, as folder, in the 2005 edit (the page has always done so).
 void TVSDotNetOptionsFrame::WriteOptions(TQvOptionsObject* options) {
-  const char* early[] = {"edtDevEnv2002", "edtDevEnv2003", "edtDevEnv2005"};
-  for (const char* file : {"devenv.exe", "devenv.com"})
-    for (const char* name : early)
-      StripFile((*this)[name].Text, file, (*this)[name].Text);
-  StripFile((*this)["edtDevEnv2008"].Text, "devenv.com", (*this)["edtDevEnv2005"].Text);
+  TDevEnvEdits edits;  // the first four locations
+  for (size_t i = 0; i < edits.size(); ++i)
+    edits[i] = (*this)[kLocations[i][0]].Text;
+  NormalizeDevEnvEdits(edits);
+  for (size_t i = 0; i < edits.size(); ++i)
+    (*this)[kLocations[i][0]].Text = edits[i];
   for (const auto& [name, label, prop] : kLocations)
     options->SetPropValue(prop, (*this)[name].Text);
   if (auto* vs = dynamic_cast<IQvVSDotNetOptions*>(options);
