@@ -234,6 +234,16 @@ TEST_F(SolutionFile, ResourceScriptsAndTheVersionScript) {
   EXPECT_EQ(FileKey(Read(Header() + kApp + "Project(\"{CS}\") \"X\"\n" + kGlobal)),
             FileKey("Error parsing project file : " + cases[4].second + " of " +
                     dir.File("app/app.vcproj") + ")"));
+  // So also when a large solution's project files are read on two threads.
+  std::string many = Header();
+  for (int i = 0; i < 200; ++i) {
+    std::string name = "p" + std::to_string(i);
+    dir.Write(name + "/p.vcproj", i % 70 == 69 ? cases[4].first : "<VisualStudioProject/>");
+    many += Project(name, name + "\\p.vcproj", "{A}", "{VC}");
+  }
+  EXPECT_EQ(FileKey(Read(many + "Project(\"{CS}\") \"X\"\n" + kGlobal)),
+            FileKey("Error parsing project file : " + cases[4].second + " of " +
+                    dir.File("p69/p.vcproj") + ")"));
   dir.Write("app/app.vcproj",
             "\xef\xbb\xbf<?xml version=\"1.0\" encoding=\"Windows-1252\"?>\r\n<VisualStudioProject>"
             "\n<Files><Filter><File RelativePath=\"\xe4.rc\"/></Filter></Files>"
