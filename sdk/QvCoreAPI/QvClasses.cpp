@@ -194,7 +194,11 @@ std::vector<TTextLine> DecodeTextFile(std::string_view bytes, TTextFormat& forma
   return lines;
 }
 
-TTextFileLines::TTextFileLines(const std::string& fileName) : FBytes(ReadTextFileBytes(fileName)) {
+TTextFileLines::TTextFileLines(const std::string& fileName)
+    : TTextFileLines(ReadTextFileBytes(fileName), fileName) {}
+
+TTextFileLines::TTextFileLines(std::string bytes, const std::string& fileName)
+    : FBytes(std::move(bytes)) {
   TTextFormat format;
   std::string_view text = DecodeText(FBytes, format, FDecoded, fileName);
   FLines.reserve(std::count(text.begin(), text.end(), '\n') + 1);  // CR-only text grows it

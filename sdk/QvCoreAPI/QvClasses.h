@@ -41,6 +41,8 @@ std::vector<TTextLine> DecodeTextFile(std::string_view bytes, TTextFormat& forma
 class TTextFileLines {
  public:
   explicit TTextFileLines(const std::string& fileName);
+  // The lines of `bytes`, the contents of the file `fileName`.
+  TTextFileLines(std::string bytes, const std::string& fileName);
   TTextFileLines(const TTextFileLines&) = delete;
   TTextFileLines& operator=(const TTextFileLines&) = delete;
 
