@@ -92,7 +92,7 @@ class TVSDotNetProjectDependancies : public TVSDotNetObject, public IVSDotNetPro
   TStringList FList;  // compares without regard to case
 };
 
-class TVSDotNetProject : public TVSDotNetObject, public IVSDotNetProject {
+class TVSDotNetProject final : public TVSDotNetObject, public IVSDotNetProject {
  public:
   TVSDotNetProject(std::string name, std::string fileName, std::string typeGuid, std::string guid)
       : FName(std::move(name)),
@@ -157,12 +157,14 @@ class TVSDotNetProjects : public TVSDotNetObject, public IVSDotNetProjects {
     return FindByGUID(std::string_view(guid));
   }
 
-  IntfPtr<IVSDotNetProject> FindByGUID(std::string_view guid) {
+  IntfPtr<IVSDotNetProject> FindByGUID(std::string_view guid) { return Find(guid); }
+
+  TVSDotNetProject* Find(std::string_view guid) {
     auto [first, last] = FByGUID.equal_range(guid);
     if (first == last) return nullptr;
     if (std::next(first) == last) return first->second;
     for (const auto& p : FItems)  // several share it: the first in current order wins
-      if (p->GetProjectGUID() == guid) return p;
+      if (p->GUID() == guid) return p.Get();
     return nullptr;
   }
 
@@ -181,10 +183,10 @@ class TVSDotNetProjects : public TVSDotNetObject, public IVSDotNetProjects {
 
   QV_ANSWERS(IVSDotNetProjects)
  private:
-  std::vector<IntfPtr<IVSDotNetProject>> FItems;
+  std::vector<IntfPtr<TVSDotNetProject>> FItems;
   // The projects carrying each identifier (a view of the project's own), so that the reader's
   // lookups (one per configuration line) do not scan the list.
-  std::unordered_multimap<std::string_view, IVSDotNetProject*> FByGUID;
+  std::unordered_multimap<std::string_view, TVSDotNetProject*> FByGUID;
 };
 
 class TVSDotNetSolution : public TVSDotNetObject, public IVSDotNetSolution {
@@ -257,21 +259,44 @@ TProjectFileInfo ReadProjectFileInfo(const std::string& path) {
 }
 }  // namespace
 
+namespace {
+// Identifiers, compared without regard to (ASCII) case.
+struct TNoCaseHash {
+  size_t operator()(std::string_view s) const {
+    size_t h = 14695981039346656037ull;  // FNV-1a
+    for (char c : s)
+      h = (h ^ static_cast<unsigned char>(c >= 'A' && c <= 'Z' ? c + 32 : c)) * 1099511628211ull;
+    return h;
+  }
+};
+struct TNoCaseEqual {
+  bool operator()(std::string_view a, std::string_view b) const { return SameText(a, b); }
+};
+}  // namespace
+
 void TVSDotNetProjects::SortByDependency() {
-  std::unordered_map<std::string, std::vector<int>> byGuid;
-  for (int i = 0; i < GetCount(); ++i)
-    byGuid[LowerCase(FItems[i]->GetProjectGUID())].push_back(i);
+  // The projects carrying each identifier, in list order: the first and last of a chain
+  // through `nextSame`.
+  struct TChain {
+    int First, Last;
+  };
+  std::unordered_map<std::string_view, TChain, TNoCaseHash, TNoCaseEqual> byGuid;
+  std::vector<int> nextSame(FItems.size(), -1);
+  for (int i = 0; i < GetCount(); ++i) {
+    auto [it, added] = byGuid.try_emplace(FItems[i]->GUID(), TChain{i, i});
+    if (!added) nextSame[std::exchange(it->second.Last, i)] = i;
+  }
   std::vector<std::vector<int>> dependsOn(FItems.size());
   for (int i = 0; i < GetCount(); ++i) {
     for (const std::string& dep : *FItems[i]->GetDependencies()->GetList()) {
-      auto it = byGuid.find(LowerCase(dep));
-      if (it != byGuid.end())
-        dependsOn[i].insert(dependsOn[i].end(), it->second.begin(), it->second.end());
+      if (auto it = byGuid.find(dep); it != byGuid.end())
+        for (int j = it->second.First; j >= 0; j = nextSame[j])
+          dependsOn[i].push_back(j);
     }
   }
   std::vector<int> order =
       DependencyOrder(dependsOn, [this](int i) { return FItems[i]->GetName(); });
-  std::vector<IntfPtr<IVSDotNetProject>> sorted;
+  std::vector<IntfPtr<TVSDotNetProject>> sorted;
   sorted.reserve(order.size());
   for (int i : order)
     sorted.push_back(FItems[i]);
@@ -625,8 +650,7 @@ void TSolutionReader::ReadConfigurationMappings() {
     TConfigurationMapping m;
     if (line.size() <= kGuidLength || !ReadConfigurationMapping(line.substr(kGuidLength), m))
       continue;
-    if (IntfPtr<IVSDotNetProject> project =
-            FSolution->Projects().FindByGUID(line.substr(0, kGuidLength)))
+    if (TVSDotNetProject* project = FSolution->Projects().Find(line.substr(0, kGuidLength)))
       project->AddConfiguration(std::string(m.Solution), std::string(m.Project), m.Active);
   }
 }

@@ -51,9 +51,14 @@ void AppendProjectJson(std::string& out, IVSDotNetProject& p) {
   out += ",\"configurations\":[";
   const TStringList& configs = p.GetConfigurationList();
   for (int i = 0; i < configs.Count(); ++i) {
-    AppendField(
-        out, i ? ",{\"solutionConfiguration\":" : "{\"solutionConfiguration\":", configs.Names(i));
-    AppendField(out, ",\"projectConfiguration\":", configs.ValueFromIndex(i));
+    // "SOLUTION=PROJECT", split as Names and ValueFromIndex split it, without copies.
+    std::string_view entry = configs[i];
+    size_t eq = entry.find('=');
+    bool split = eq != std::string_view::npos;
+    AppendField(out, i ? ",{\"solutionConfiguration\":" : "{\"solutionConfiguration\":",
+                split ? entry.substr(0, eq) : std::string_view());
+    AppendField(out,
+                ",\"projectConfiguration\":", split ? entry.substr(eq + 1) : std::string_view());
     out += configs.Objects(i) ? ",\"active\":true}" : ",\"active\":false}";
   }
   out += "]}";
