@@ -16,7 +16,8 @@ printf '%s\n' "const p = require('vs-parse');" \
   "process.stdout.write(JSON.stringify(p.parseSolutionSync(process.argv[2])));" \
   > build/vsparse/parse.js
 calc() { awk "BEGIN { printf \"%.4f\", $1 }"; }
-seconds() { local s e; s=$(date +%s.%N); "$@" >/dev/null; e=$(date +%s.%N); calc "$e - $s"; }
+# Timed with bash's own clock: starting `date` around each run would add to both sides.
+seconds() { local s e; s=$EPOCHREALTIME; "$@" >/dev/null; e=$EPOCHREALTIME; calc "$e - $s"; }
 q=0; n=0
 for i in $(seq "$pairs"); do
   a=$(seconds build/bin/qvsln --json "$sln"); b=$(seconds node build/vsparse/parse.js "$sln")
