@@ -1,5 +1,6 @@
 #include "Vsnetsln.h"
 
+#include <algorithm>
 #include <atomic>
 #include <exception>
 #include <functional>
@@ -347,25 +348,29 @@ void LookUpProjectFile(TProjectLookup& project, const std::string& solutionDir) 
   project.Existing = ResolveExistingFile(ExpandRelativePath(project.Path, solutionDir));
 }
 
-// Runs job(i) for each i in [0, count) on a second thread, from the first on, while the caller
-// goes on; Finish has the caller take what is left and waits for the end. Jobs do not throw.
+// Runs job(i) for each i in [0, count), in ascending order, on a second thread while the caller
+// goes on; the caller joins in when it calls Finish, which returns at the end. Jobs do not throw.
 class TSideLoop {
  public:
   TSideLoop(size_t count, std::function<void(size_t)> job) : FCount(count), FJob(std::move(job)) {
     constexpr size_t kWorthAThread = 64;
     if (count >= kWorthAThread && std::thread::hardware_concurrency() > 1)
-      FThread = std::thread([this] { Run(); });
+      FThread = std::thread([this] { Run(FCount); });
   }
-  ~TSideLoop() { Finish(); }
+  ~TSideLoop() { Stop(0); }
 
-  void Finish() {
-    Run();
+  void Finish() { Stop(FCount); }
+
+  // Has the jobs before `needed` done, drops the others not yet started, and waits for the end.
+  void Stop(size_t needed) {
+    Run(std::min(needed, FCount));
+    FNext = FCount;
     if (FThread.joinable()) FThread.join();
   }
 
  private:
-  void Run() {
-    for (size_t i; (i = FNext++) < FCount;)
+  void Run(size_t end) {
+    for (size_t i; (i = FNext++) < end;)
       FJob(i);
   }
 
@@ -428,9 +433,13 @@ class TProjectLookups {
     return lookup.Read < 0 ? nullptr : &FFileReads[static_cast<size_t>(lookup.Read)];
   }
 
-  // Waits until the project files are read.
+  // Waits until the project files are read: all of them, or only those up to `last` (null for
+  // none) when the rest will not be needed.
   void FinishReads() {
     if (FReads) FReads->Finish();
+  }
+  void FinishReadsUpTo(const TProjectFileRead* last) {
+    if (FReads) FReads->Stop(last ? static_cast<size_t>(last - FFileReads.data()) + 1 : 0);
   }
 
  private:
@@ -462,9 +471,8 @@ class TSolutionReader {
   void ReadSolutionConfigurations();
   void ReadConfigurationMappings();
   void ReadGlobalDependencies();
-  // Waits for the project files read ahead and gives the kept projects what they say; throws the
-  // first error among them.
-  void FinishReads();
+  // Gives the kept projects what their files, read ahead, say; throws the first error among them.
+  void TakeReads();
   // The line at FIndex, trimmed; past the end the line list's index error.
   std::string_view TrimmedLine() const { return TrimmedView(FLines[FIndex]); }
   // The value of the first line in the file whose name part (before "=") is `name`, compared
@@ -497,15 +505,17 @@ IntfPtr<IVSDotNetSolution> TSolutionReader::Read() {
     FSolution->Projects().SortByDependency();
     if (FLines[FIndex] == "Global") ReadGlobal();
   } catch (...) {
-    FinishReads();
+    // Only the files of the projects kept so far can come first.
+    FLookups.FinishReadsUpTo(FReadAhead.empty() ? nullptr : FReadAhead.back().second);
+    TakeReads();
     throw;
   }
-  FinishReads();
+  FLookups.FinishReads();
+  TakeReads();
   return IntfPtr<IVSDotNetSolution>(FSolution.Get());
 }
 
-void TSolutionReader::FinishReads() {
-  FLookups.FinishReads();
+void TSolutionReader::TakeReads() {
   for (auto& [project, read] : FReadAhead) {
     if (read->Error) std::rethrow_exception(read->Error);
     project->SetProjectFileInfo(std::move(read->Info));
