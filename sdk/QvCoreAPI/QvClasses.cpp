@@ -166,6 +166,11 @@ void ForEachTextLine(std::string_view text, Fn&& fn) {
   if (start < text.size()) fn(text.substr(start), TLineBreak::None);
 }
 
+// A line list's error for a bad index.
+[[noreturn]] void RaiseIndexError(int index) {
+  throw EStringListError("List index out of bounds (" + std::to_string(index) + ")");
+}
+
 std::string ReadTextFileBytes(const std::string& fileName) {
   std::string bytes, error;
   if (!platform::ReadWholeFile(fileName, bytes, error))
@@ -206,8 +211,7 @@ TTextFileLines::TTextFileLines(std::string bytes, const std::string& fileName)
 }
 
 std::string_view TTextFileLines::operator[](int index) const {
-  if (index < 0 || index >= Count())
-    throw EStringListError("List index out of bounds (" + std::to_string(index) + ")");
+  if (index < 0 || index >= Count()) RaiseIndexError(index);
   return FLines[static_cast<size_t>(index)];
 }
 
@@ -248,8 +252,7 @@ TStringList::TStringList(std::initializer_list<std::string> items) {
 }
 
 void TStringList::CheckIndex(int index) const {
-  if (index < 0 || index >= Count())
-    throw EStringListError("List index out of bounds (" + std::to_string(index) + ")");
+  if (index < 0 || index >= Count()) RaiseIndexError(index);
 }
 
 bool TStringList::SameItem(std::string_view a, std::string_view b) const {
@@ -284,8 +287,7 @@ int TStringList::AddObject(const std::string& s, intptr_t obj) {
 }
 
 void TStringList::Insert(int index, const std::string& s) {
-  if (index < 0 || index > Count())
-    throw EStringListError("List index out of bounds (" + std::to_string(index) + ")");
+  if (index < 0 || index > Count()) RaiseIndexError(index);
   auto at = static_cast<size_t>(index);
   FItems.insert(FItems.begin() + at, s);
   FObjects.insert(FObjects.begin() + at, 0);

@@ -28,7 +28,8 @@ void GrowHeapInLargePages() {
   mallopt(M_TOP_PAD, 64 << 20);
   mallopt(M_MMAP_THRESHOLD, 512 << 10);
   auto before = reinterpret_cast<uintptr_t>(sbrk(0));
-  void* volatile probe = malloc(256 << 10);  // more than the first heap has left; kept
+  // More than the first heap has left; volatile, so that the allocation is not left out.
+  void* volatile probe = malloc(256 << 10);
   auto after = reinterpret_cast<uintptr_t>(sbrk(0));
   free(probe);
   uintptr_t from = (before + kHugePage - 1) & ~(kHugePage - 1), to = after & ~(kHugePage - 1);
